@@ -1,0 +1,14 @@
+#pragma once
+// Assertions that stay in release builds: a failure is a programming or
+// deployment error and ends the process after one line on standard error.
+
+namespace Zet {
+
+// Reports "<unit>:<line>: <function>: Assertion `<expression>' failed." and aborts.
+// The unit is the source file's name without folder and extension.
+[[noreturn]] void assertionFailed(char const* expression, char const* file, int line, char const* function);
+
+}  // namespace Zet
+
+#define ZET_ASSERT(expr) \
+  ((expr) ? static_cast<void>(0) : ::Zet::assertionFailed(#expr, __FILE__, __LINE__, __PRETTY_FUNCTION__))

@@ -1,0 +1,63 @@
+#pragma once
+// Base of every counted object: the reference count and two flags share one word.
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace Zet {
+
+// Process-wide switch: when set, reference counts are changed atomically.
+class VFPtrInterface {
+ public:
+  static bool threadSafePointers_;
+};
+
+class PtrInterface {
+ public:
+  class NotifieeConst;
+
+  PtrInterface();
+  PtrInterface(PtrInterface const&) = delete;
+  PtrInterface& operator=(PtrInterface const&) = delete;
+  virtual ~PtrInterface();
+
+  // Counting never fails; the object is released through handleZeroRef()
+  // when the count falls to zero.
+  void newRef() const;
+  void deleteRef() const;
+  std::uint32_t references() const { return word_.load(std::memory_order_relaxed) & countMask; }
+
+  bool hasNotificationActive() const { return flag(notificationActiveBit); }
+  // Stores the notification-active flag; reactors extend this.
+  virtual void hasNotificationActiveIs(bool b) { flagIs(notificationActiveBit, b); }
+
+  // A reactor or state machine with this flag set is a zombie.
+  bool zetMarkedForDeletion() const { return flag(markedForDeletionBit); }
+  void zetMarkedForDeletionIs(bool b) { flagIs(markedForDeletionBit, b); }
+
+  // The notifiees that watch this object; null when none ever registered.
+  std::vector<NotifieeConst*> const* notifieeList() const;
+
+  // The count is the word masked with countMask; the two flags sit outside it.
+  static constexpr std::uint32_t countMask = 0x5fffffffu;
+  static constexpr std::uint32_t notificationActiveBit = 0x20000000u;
+  static constexpr std::uint32_t markedForDeletionBit = 0x80000000u;
+
+ protected:
+  virtual void handleZeroRef() const { delete this; }
+
+ private:
+  friend class NotifieeConst;
+  struct NotifieeList;
+  // The notifiees registered with this object as their notifier; made on first use.
+  mutable std::unique_ptr<NotifieeList> notifiees_;
+
+  bool flag(std::uint32_t bit) const { return (word_.load(std::memory_order_relaxed) & bit) != 0; }
+  void flagIs(std::uint32_t bit, bool b);
+
+  mutable std::atomic<std::uint32_t> word_{0};
+};
+
+}  // namespace Zet

@@ -1,0 +1,118 @@
+#include "Zet/Trace.h"
+
+#include <cstdio>
+#include <deque>
+#include <map>
+#include <mutex>
+#include <stdexcept>
+#include <string>
+
+namespace Zet {
+namespace {
+
+struct Registry {
+  std::mutex mutex;
+  std::deque<detail::TraceSetting> settings;  // deque: settings never move
+  std::map<String, detail::TraceSetting*> byName;
+  Trace::Sink sink;
+
+  detail::TraceSetting& setting(String const& name) {
+    auto it = byName.find(name);
+    if (it != byName.end()) {
+      return *it->second;
+    }
+    auto& s = settings.emplace_back();
+    s.name = name;
+    byName.emplace(name, &s);
+    return s;
+  }
+};
+
+Registry& registry() {
+  static Registry r;
+  return r;
+}
+
+}  // namespace
+
+TraceHandle::TraceHandle(String const& name, bool enabledByDefault) {
+  auto& r = registry();
+  std::lock_guard lock(r.mutex);
+  bool const known = r.byName.count(name) != 0;
+  setting_ = &r.setting(name);
+  if (!known && enabledByDefault) {
+    setting_->mask = ~0u;
+  }
+}
+
+bool TraceHandle::enabled(int level) const {
+  return level >= 0 && level < 32 && ((setting_->mask.load(std::memory_order_relaxed) >> level) & 1u) != 0;
+}
+
+std::optional<TraceHelper> TraceHelper::createIfEnabled(TraceHandle const& handle, int level) {
+  if (!handle.enabled(level)) {
+    return std::nullopt;
+  }
+  return TraceHelper(handle, level);
+}
+
+TraceHelper::~TraceHelper() {
+  if (!handle_) {
+    return;
+  }
+  std::string const line = text_.str();
+  auto& r = registry();
+  if (r.sink) {
+    r.sink(handle_->name(), level_, line);
+  } else {
+    std::fprintf(stderr, "%s[%d] %s\n", handle_->name().charPtr(), level_, line.c_str());
+  }
+}
+
+namespace Trace {
+
+void levelsIs(String const& handleName, unsigned mask) {
+  auto& r = registry();
+  std::lock_guard lock(r.mutex);
+  r.setting(handleName).mask = mask;
+}
+
+unsigned levels(String const& handleName) {
+  auto& r = registry();
+  std::lock_guard lock(r.mutex);
+  return r.setting(handleName).mask.load();
+}
+
+void configure(std::string_view spec) {
+  while (!spec.empty()) {
+    auto const comma = spec.find(',');
+    std::string_view item = spec.substr(0, comma);
+    spec = comma == std::string_view::npos ? std::string_view() : spec.substr(comma + 1);
+    auto const eq = item.find('=');
+    if (eq == 0 || eq == std::string_view::npos || eq + 1 == item.size()) {
+      throw std::invalid_argument("expected NAME=LEVEL, got \"" + std::string(item) + "\"");
+    }
+    std::string const number(item.substr(eq + 1));
+    std::size_t used = 0;
+    int level = 0;
+    try {
+      level = std::stoi(number, &used);
+    } catch (std::exception const&) {
+      used = 0;
+    }
+    if (used != number.size() || level < -1 || level > 31) {
+      throw std::invalid_argument("level of \"" + std::string(item.substr(0, eq)) + "\" must be -1 to 31");
+    }
+    unsigned const mask = level < 0 ? 0u : (level == 31 ? ~0u : (2u << level) - 1u);
+    levelsIs(String(item.substr(0, eq)), mask);
+  }
+}
+
+void sinkIs(Sink sink) {
+  auto& r = registry();
+  std::lock_guard lock(r.mutex);
+  r.sink = std::move(sink);
+}
+
+}  // namespace Trace
+}  // namespace Zet
