@@ -17,6 +17,12 @@ class RangeException : public Exception {
   using Exception::Exception;
 };
 
+// Text that does not read as a value of the expected type.
+class ParseException : public Exception {
+ public:
+  using Exception::Exception;
+};
+
 // An entity or member re-created under a name already in use with other parameters.
 class NameInUseException : public Exception {
  public:

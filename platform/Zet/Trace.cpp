@@ -83,11 +83,11 @@ unsigned levels(String const& handleName) {
   return r.setting(handleName).mask.load();
 }
 
-void configure(std::string_view spec) {
-  while (!spec.empty()) {
-    auto const comma = spec.find(',');
-    std::string_view item = spec.substr(0, comma);
-    spec = comma == std::string_view::npos ? std::string_view() : spec.substr(comma + 1);
+void configure(std::string_view settings) {
+  while (!settings.empty()) {
+    auto const comma = settings.find(',');
+    std::string_view item = settings.substr(0, comma);
+    settings = comma == std::string_view::npos ? std::string_view() : settings.substr(comma + 1);
     auto const eq = item.find('=');
     if (eq == 0 || eq == std::string_view::npos || eq + 1 == item.size()) {
       throw std::invalid_argument("expected NAME=LEVEL, got \"" + std::string(item) + "\"");

@@ -58,7 +58,7 @@ void levelsIs(String const& handleName, unsigned mask);
 unsigned levels(String const& handleName);
 // "Snmp=2,LldpSnmp=8": each NAME=N enables levels 0 to N of that handle, NAME=-1
 // turns it off. Throws std::invalid_argument on a malformed text.
-void configure(std::string_view spec);
+void configure(std::string_view settings);
 // Where lines go; the default writes "<handle>[<level>] <text>" to standard error.
 using Sink = std::function<void(String const& handleName, int level, std::string_view text)>;
 void sinkIs(Sink sink);

@@ -1,0 +1,38 @@
+#pragma once
+// LLDP-MIB: the module's entry points and the handlers of its 16 scalars.
+
+#include <net-snmp/net-snmp-config.h>
+#include <net-snmp/net-snmp-includes.h>
+#include <net-snmp/agent/net-snmp-agent-includes.h>
+
+#include "Zet/String.h"
+
+// Registers the module's objects in `context` (only the default context "" serves any).
+extern "C" void init_LldpMIB(Zet::String context);
+// Takes every object of the module in `context` back out of net-snmp.
+extern "C" void unregister_LldpMIB(Zet::String context);
+
+// The scalars in registration order, which is also the order of their descriptors.
+#define LLDP_MIB_SCALARS(X)            \
+  X(lldpMessageTxInterval)             \
+  X(lldpMessageTxHoldMultiplier)       \
+  X(lldpReinitDelay)                   \
+  X(lldpTxDelay)                       \
+  X(lldpNotificationInterval)          \
+  X(lldpStatsRemTablesLastChangeTime)  \
+  X(lldpStatsRemTablesInserts)         \
+  X(lldpStatsRemTablesDeletes)         \
+  X(lldpStatsRemTablesDrops)           \
+  X(lldpStatsRemTablesAgeouts)         \
+  X(lldpLocChassisIdSubtype)           \
+  X(lldpLocChassisId)                  \
+  X(lldpLocSysName)                    \
+  X(lldpLocSysDesc)                    \
+  X(lldpLocSysCapSupported)            \
+  X(lldpLocSysCapEnabled)
+
+#define LLDP_MIB_DECLARE_SCALAR_HANDLER(object)                                                        \
+  extern "C" int handle_##object(netsnmp_mib_handler* handler, netsnmp_handler_registration* reginfo, \
+                                 netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests);
+LLDP_MIB_SCALARS(LLDP_MIB_DECLARE_SCALAR_HANDLER)
+#undef LLDP_MIB_DECLARE_SCALAR_HANDLER

@@ -1,0 +1,44 @@
+#include "AgentOptions.h"
+
+#include <CLI/CLI.hpp>
+
+ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
+  AgentOptions o;
+  CLI::App app{
+      "lldp-snmp-agent: serves the LLDP-MIB, LLDP-EXT-DOT1-MIB and LLDP-EXT-DOT3-MIB over SNMP from an LLDP "
+      "state (a scenario file, or a built-in demo switch).",
+      "lldp-snmp-agent"};
+  app.get_formatter()->column_width(34);
+  app.add_option("--listen", o.listen, "Address to serve SNMP on, in net-snmp transport syntax")
+      ->capture_default_str();
+  app.add_option("--community", o.community,
+                 "SNMPv1/v2c read-only community (empty: none; more with rocommunity in --config)")
+      ->capture_default_str();
+  app.add_option("--config", o.config,
+                 "net-snmp configuration file (rocommunity, rwcommunity, createUser/rouser, trap2sink, "
+                 "informsink, agentaddress, ...)")
+      ->check(CLI::ExistingFile);
+  std::string agentx;
+  auto* agentxOption = app.add_option("--agentx", agentx,
+                                      "Attach to a running snmpd as AgentX sub-agent, at ADDRESS or at net-snmp's "
+                                      "default socket")
+                           ->expected(0, 1)
+                           ->type_name("[ADDRESS]");
+  app.add_option("--scenario", o.scenario, "LLDP state to serve, as JSON (default: a built-in demo switch)")
+      ->check(CLI::ExistingFile);
+  app.add_option("--plugin", o.plugin, "The LldpSnmp plug-in to load (default: the one built or installed beside "
+                                       "this program)")
+      ->check(CLI::ExistingFile);
+  app.add_option("--trace", o.trace, "Trace levels per handle to standard error, e.g. Snmp=2,LldpSnmp=8");
+  app.add_option("--ringlog", o.ringlog, "Write the in-memory ring log to FILE at exit and on SIGUSR1");
+  app.add_option("--persistent-dir", o.persistentDir, "Directory for net-snmp's persistent state");
+  try {
+    app.parse(argc, argv);
+  } catch (CLI::ParseError const& e) {
+    return {std::nullopt, app.exit(e)};
+  }
+  if (agentxOption->count() > 0) {
+    o.agentx = agentx;
+  }
+  return {o, 0};
+}

@@ -1,0 +1,885 @@
+#include "Scenario.h"
+
+#include <arpa/inet.h>
+#include <sys/socket.h>
+
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <ios>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "Bridging/VlanId.h"
+#include "Interface/EthPortId.h"
+#include "LldpAgent/BitMaps.h"
+#include "LldpAgent/BoundedString.h"
+#include "LldpAgent/EnabledTlvs.h"
+#include "LldpAgent/Enumerations.h"
+#include "LldpAgent/LinkAggregationInfo.h"
+#include "LldpAgent/MacPhyConfigStatusInfo.h"
+#include "LldpAgent/ManAddrPriority.h"
+#include "LldpAgent/ManAddress.h"
+#include "LldpAgent/ManagementAddress.h"
+#include "LldpAgent/Oui.h"
+#include "LldpAgent/PortAndProtocolVlan.h"
+#include "LldpAgent/PowerViaMdiInfo.h"
+#include "LldpAgent/ProtocolIdentityInfo.h"
+#include "LldpAgent/RemoteSystemMsap.h"
+#include "LldpAgent/UnknownOrgDefTlv.h"
+#include "LldpAgent/UnknownTlv.h"
+#include "LldpAgent/VlanName.h"
+#include "Ondo/IntfId.h"
+#include "Snmp/ObjectIdentifier.h"
+#include "Zet/Exception.h"
+#include "Zet/String.h"
+
+namespace {
+
+using Json = nlohmann::json;
+
+// Control characters would break the one-line message; names and values in it come from the file.
+std::string oneLine(std::string text) {
+  for (char& c : text) {
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7f) {
+      c = '?';
+    }
+  }
+  return text;
+}
+
+template <class T>
+std::string textOf(T const& value) {
+  std::ostringstream os;
+  os << value;
+  return os.str();
+}
+
+// Bytes for a message: quoted when they are printable text, else as hex digits.
+std::string octetText(Zet::String const& bytes) {
+  bool printable = true;
+  for (char const c : bytes.view()) {
+    printable = printable && c >= 0x20 && c < 0x7f;
+  }
+  if (printable) {
+    return "'" + bytes.stdString() + "'";
+  }
+  static constexpr char digits[] = "0123456789abcdef";
+  std::string hex;
+  for (char const c : bytes.view()) {
+    hex.push_back(digits[static_cast<unsigned char>(c) >> 4]);
+    hex.push_back(digits[static_cast<unsigned char>(c) & 0xf]);
+  }
+  return hex;
+}
+
+// A value of the file and where it stands in it, for messages.
+class Node {
+ public:
+  Node(Json const& value, std::string path, std::string const& source)
+      : value_(&value), path_(std::move(path)), source_(&source) {}
+
+  Json const& json() const { return *value_; }
+  std::string const& path() const { return path_; }
+  [[noreturn]] void fail(std::string const& reason) const { throw ScenarioError(*source_, path_, reason); }
+
+  Node member(std::string const& name, Json const& value) const { return Node(value, path_ + "." + name, *source_); }
+  Node element(std::size_t i) const { return Node((*value_)[i], path_ + "[" + std::to_string(i) + "]", *source_); }
+
+ private:
+  Json const* value_;
+  std::string path_;
+  std::string const* source_;
+};
+
+// An object whose attributes are taken one by one; finish() refuses what nobody took,
+// so that a misspelt name is not silently left at its default.
+class Object {
+ public:
+  explicit Object(Node node) : node_(std::move(node)) {
+    if (!node_.json().is_object()) {
+      node_.fail("expected an object");
+    }
+  }
+
+  std::optional<Node> take(std::string const& name) {
+    auto const it = node_.json().find(name);
+    if (it == node_.json().end()) {
+      return std::nullopt;
+    }
+    taken_.insert(name);
+    return node_.member(name, *it);
+  }
+
+  Node require(std::string const& name) {
+    auto node = take(name);
+    if (!node) {
+      node_.fail("missing attribute '" + name + "'");
+    }
+    return *node;
+  }
+
+  void finish() const {
+    for (auto it = node_.json().begin(); it != node_.json().end(); ++it) {
+      if (!taken_.contains(it.key())) {
+        node_.fail("unknown attribute '" + it.key() + "'");
+      }
+    }
+  }
+
+ private:
+  Node node_;
+  std::set<std::string> taken_;
+};
+
+// Sets `target` from attribute `name` when the object has it; otherwise the default stays.
+template <class T, class Read>
+void readInto(Object& object, std::string const& name, T& target, Read const& read) {
+  if (auto const node = object.take(name)) {
+    target = read(*node);
+  }
+}
+
+// Builds a value whose type checks its own range, and reports the type's message at the node.
+template <class Make>
+auto checked(Node const& node, Make const& make) -> decltype(make()) {
+  try {
+    return make();
+  } catch (Zet::Exception const& e) {
+    node.fail(e.what());
+  }
+}
+
+std::vector<Node> readArray(Node const& node) {
+  if (!node.json().is_array()) {
+    node.fail("expected an array");
+  }
+  std::vector<Node> elements;
+  for (std::size_t i = 0; i < node.json().size(); ++i) {
+    elements.push_back(node.element(i));
+  }
+  return elements;
+}
+
+std::string readString(Node const& node) {
+  if (!node.json().is_string()) {
+    node.fail("expected a string");
+  }
+  return node.json().get<std::string>();
+}
+
+bool readBool(Node const& node) {
+  if (!node.json().is_boolean()) {
+    node.fail("expected true or false");
+  }
+  return node.json().get<bool>();
+}
+
+// Seconds since the agent's start.
+double readSeconds(Node const& node) {
+  if (!node.json().is_number()) {
+    node.fail("expected a number of seconds");
+  }
+  return node.json().get<double>();
+}
+
+std::int64_t readInteger(Node const& node, std::int64_t min, std::int64_t max) {
+  auto const& json = node.json();
+  if (!json.is_number_integer()) {
+    node.fail("expected an integer");
+  }
+  // Above INT64_MAX only an unsigned read holds the number; it is out of range anyway.
+  bool const huge = json.is_number_unsigned() && json.get<std::uint64_t>() > static_cast<std::uint64_t>(max);
+  std::int64_t const value = huge ? 0 : json.get<std::int64_t>();
+  if (huge || value < min || value > max) {
+    node.fail("expected an integer from " + std::to_string(min) + " to " + std::to_string(max));
+  }
+  return value;
+}
+
+template <class Int>
+Int readInt(Node const& node) {
+  return static_cast<Int>(readInteger(node, std::numeric_limits<Int>::min(), std::numeric_limits<Int>::max()));
+}
+
+// Index attributes count from 1.
+std::int32_t readIndex(Node const& node) {
+  return static_cast<std::int32_t>(readInteger(node, 1, std::numeric_limits<std::int32_t>::max()));
+}
+
+int hexDigit(char c) {
+  if (c >= '0' && c <= '9') {
+    return c - '0';
+  }
+  if (c >= 'a' && c <= 'f') {
+    return c - 'a' + 10;
+  }
+  if (c >= 'A' && c <= 'F') {
+    return c - 'A' + 10;
+  }
+  return -1;
+}
+
+// Pairs of hex digits, nothing between them.
+std::optional<std::string> bytesFromHex(std::string_view text) {
+  if (text.size() % 2 != 0) {
+    return std::nullopt;
+  }
+  std::string bytes;
+  for (std::size_t i = 0; i < text.size(); i += 2) {
+    int const high = hexDigit(text[i]);
+    int const low = hexDigit(text[i + 1]);
+    if (high < 0 || low < 0) {
+      return std::nullopt;
+    }
+    bytes.push_back(static_cast<char>(high * 16 + low));
+  }
+  return bytes;
+}
+
+// "00:1c:73:aa:bb:cc" or "00-1c-73-aa-bb-cc".
+std::optional<std::string> bytesFromMac(std::string_view text) {
+  constexpr std::size_t macBytes = 6;
+  if (text.size() != macBytes * 3 - 1) {
+    return std::nullopt;
+  }
+  std::string hex;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (i % 3 == 2) {
+      if (text[i] != ':' && text[i] != '-') {
+        return std::nullopt;
+      }
+    } else {
+      hex.push_back(text[i]);
+    }
+  }
+  return bytesFromHex(hex);
+}
+
+// An octet string: a JSON string is its UTF-8 bytes, {"hex": "..."} any bytes at all.
+Zet::String readOctets(Node const& node) {
+  if (node.json().is_string()) {
+    return Zet::String(node.json().get<std::string>());
+  }
+  if (!node.json().is_object()) {
+    node.fail("expected a string or {\"hex\": \"...\"}");
+  }
+  Object object(node);
+  Node const hexNode = object.require("hex");
+  object.finish();
+  auto const bytes = bytesFromHex(readString(hexNode));
+  if (!bytes) {
+    hexNode.fail("expected pairs of hex digits, such as \"001c73aabbcc\"");
+  }
+  return Zet::String(*bytes);
+}
+
+// A chassis or port identifier; with a MAC address subtype a string is the address's text.
+Zet::String readIdentifier(Node const& node, bool isMacAddress) {
+  if (isMacAddress && node.json().is_string()) {
+    auto const bytes = bytesFromMac(node.json().get<std::string>());
+    if (!bytes) {
+      node.fail("expected a MAC address such as \"00:1c:73:aa:bb:cc\", or {\"hex\": \"...\"}");
+    }
+    return Zet::String(*bytes);
+  }
+  return readOctets(node);
+}
+
+// IANA address family numbers whose addresses are written as text.
+constexpr std::int32_t ipV4Family = 1;
+constexpr std::int32_t ipV6Family = 2;
+
+Lldp::ManAddress readManAddr(Node const& node, std::int32_t family) {
+  if ((family == ipV4Family || family == ipV6Family) && node.json().is_string()) {
+    bool const v4 = family == ipV4Family;
+    std::array<unsigned char, 16> address{};
+    if (inet_pton(v4 ? AF_INET : AF_INET6, node.json().get<std::string>().c_str(), address.data()) != 1) {
+      node.fail(v4 ? "expected an IPv4 address such as \"192.0.2.1\", or {\"hex\": \"...\"}"
+                   : "expected an IPv6 address such as \"2001:db8::1\", or {\"hex\": \"...\"}");
+    }
+    return Lldp::ManAddress(Zet::String(reinterpret_cast<char const*>(address.data()), v4 ? 4 : 16));
+  }
+  return Lldp::ManAddress(readOctets(node));
+}
+
+// "00-80-c2" (or with colons), or the number.
+Lldp::Oui readOui(Node const& node) {
+  constexpr std::uint32_t ouiMax = 0xffffff;
+  if (node.json().is_number()) {
+    return Lldp::Oui(static_cast<std::uint32_t>(readInteger(node, 0, ouiMax)));
+  }
+  std::string const text = node.json().is_string() ? node.json().get<std::string>() : std::string();
+  std::string hex;
+  bool wellFormed = text.size() == 8;
+  for (std::size_t i = 0; wellFormed && i < text.size(); ++i) {
+    if (i % 3 == 2) {
+      wellFormed = text[i] == '-' || text[i] == ':';
+    } else {
+      hex.push_back(text[i]);
+    }
+  }
+  auto const bytes = wellFormed ? bytesFromHex(hex) : std::nullopt;
+  if (!bytes) {
+    node.fail("expected an OUI such as \"00-80-c2\"");
+  }
+  std::uint32_t value = 0;
+  for (char const byte : *bytes) {
+    value = value << 8 | static_cast<unsigned char>(byte);
+  }
+  return Lldp::Oui(value);
+}
+
+// A MIB name, or the number.
+template <Lldp::NamedEnum E>
+E readEnum(Node const& node) {
+  if (node.json().is_number()) {
+    return static_cast<E>(readInt<std::int32_t>(node));
+  }
+  if (!node.json().is_string()) {
+    node.fail("expected a name or a number");
+  }
+  return checked(node, [&] { return Lldp::enumFromText<E>(node.json().get<std::string>()); });
+}
+
+// The named bits of a BITS object or textual convention, bit n being named bit n.
+struct BitNames {
+  std::string_view typeName;
+  std::vector<std::string_view> names;
+};
+
+BitNames const systemCapabilityBits{
+    "LldpSystemCapabilitiesMap",
+    {"other", "repeater", "bridge", "wlanAccessPoint", "router", "telephone", "docsisCableDevice", "stationOnly"}};
+BitNames const enabledTlvBits{"lldpPortConfigTLVsTxEnable", {"portDesc", "sysName", "sysDesc", "sysCap"}};
+BitNames const dot3EnabledTlvBits{"lldpXdot3PortConfigTLVsTxEnable",
+                                  {"macPhyConfigStatus", "powerViaMDI", "linkAggregation", "maxFrameSize"}};
+BitNames const linkAggStatusBits{"LldpLinkAggStatusMap", {"aggCapable", "aggEnabled"}};
+// ifMauAutoNegCapAdvertisedBits of the MAU-MIB.
+BitNames const autoNegCapBits{"ifMauAutoNegCapAdvertisedBits",
+                              {"bOther", "b10baseT", "b10baseTFD", "b100baseT4", "b100baseTX", "b100baseTXFD",
+                               "b100baseT2", "b100baseT2FD", "bFdxPause", "bFdxAPause", "bFdxSPause", "bFdxBPause",
+                               "b1000baseX", "b1000baseXFD", "b1000baseT", "b1000baseTFD"}};
+
+// A bit set: the number, or a list of bit names.
+std::uint32_t readBits(Node const& node, BitNames const& bits) {
+  if (node.json().is_number()) {
+    return readInt<std::uint32_t>(node);
+  }
+  if (!node.json().is_array()) {
+    node.fail("expected a number or a list of bit names");
+  }
+  std::uint32_t value = 0;
+  for (Node const& element : readArray(node)) {
+    std::string const name = readString(element);
+    std::size_t bit = 0;
+    while (bit < bits.names.size() && bits.names[bit] != name) {
+      ++bit;
+    }
+    if (bit == bits.names.size()) {
+      element.fail("'" + name + "' is no " + std::string(bits.typeName) + " bit name");
+    }
+    value |= 1u << bit;
+  }
+  return value;
+}
+
+template <class Bounded>
+Bounded readBounded(Node const& node) {
+  Zet::String const bytes = readOctets(node);
+  return checked(node, [&] { return Bounded(bytes); });
+}
+
+template <class Value>
+Value readRanged(Node const& node) {
+  auto const raw = readInt<std::uint16_t>(node);
+  return checked(node, [&] { return Value(raw); });
+}
+
+std::string addressText(Lldp::ManagementAddress::Key const& key) {
+  return "address (manAddrSubtype " + std::to_string(key.manAddrSubtype) + ", manAddr " +
+         (key.manAddr.size() == 0 ? std::string("''") : textOf(key.manAddr)) + ")";
+}
+
+std::string priorityText(Lldp::ManAddrPriority const& priority) {
+  return "priority (priority " + std::to_string(priority.priority) + ", addressFamily " +
+         std::to_string(priority.addressFamily) + ", sequence " + std::to_string(priority.sequence) + ", intfId " +
+         octetText(priority.intfId.stringValue()) + ")";
+}
+
+std::string msapText(Lldp::RemoteSystemMsap const& msap) {
+  return "msap (chassisIdSubtype " + std::to_string(static_cast<std::int32_t>(msap.chassisIdSubtype)) + ", chassisId " +
+         octetText(msap.chassisId.value()) + ", portIdSubtype " +
+         std::to_string(static_cast<std::int32_t>(msap.portIdSubtype)) + ", portId " + octetText(msap.portId.value()) +
+         ")";
+}
+
+// Refuses a key seen before in the same collection.
+template <class Key>
+class UniqueKeys {
+ public:
+  void add(Key const& key, Node const& at, std::string const& keyText) {
+    auto const [it, inserted] = seen_.try_emplace(key, at.path());
+    if (!inserted) {
+      at.fail("duplicate " + keyText + ", already at " + it->second);
+    }
+  }
+
+ private:
+  std::unordered_map<Key, std::string> seen_;
+};
+
+DesiredConfig readConfig(Node const& node) {
+  DesiredConfig config;
+  Object object(node);
+  readInto(object, "messageTxInterval", config.messageTxInterval, readInt<std::int32_t>);
+  readInto(object, "messageTxHold", config.messageTxHold, readInt<std::int32_t>);
+  readInto(object, "reinitDelay", config.reinitDelay, readInt<std::int32_t>);
+  readInto(object, "txDelay", config.txDelay, readInt<std::int32_t>);
+  object.finish();
+  return config;
+}
+
+DesiredStatus readStatus(Node const& node) {
+  DesiredStatus status;
+  Object object(node);
+  readInto(object, "remTablesLastChangeTime", status.remTablesLastChangeTime, readSeconds);
+  readInto(object, "remTablesInserts", status.remTablesInserts, readInt<std::uint32_t>);
+  readInto(object, "remTablesDeletes", status.remTablesDeletes, readInt<std::uint32_t>);
+  readInto(object, "remTablesDrops", status.remTablesDrops, readInt<std::uint32_t>);
+  readInto(object, "remTablesAgeouts", status.remTablesAgeouts, readInt<std::uint32_t>);
+  object.finish();
+  return status;
+}
+
+Lldp::SystemCapabilitiesMap readCapabilities(Node const& node) {
+  return Lldp::SystemCapabilitiesMap(readBits(node, systemCapabilityBits));
+}
+
+// A number gives the first field alone.
+Lldp::ManAddrPriority readPriority(Node const& node) {
+  Lldp::ManAddrPriority priority;
+  if (node.json().is_number()) {
+    priority.priority = readInt<std::uint32_t>(node);
+    return priority;
+  }
+  Object object(node);
+  readInto(object, "priority", priority.priority, readInt<std::uint32_t>);
+  readInto(object, "addressFamily", priority.addressFamily, readInt<std::int32_t>);
+  readInto(object, "sequence", priority.sequence, readInt<std::uint32_t>);
+  readInto(object, "intfId", priority.intfId, [](Node const& n) { return Ondo::IntfId(readString(n)); });
+  object.finish();
+  return priority;
+}
+
+// An address and, for the local system only, its priority.
+struct AddressEntry {
+  Lldp::ManagementAddress address;
+  std::optional<Lldp::ManAddrPriority> priority;
+};
+
+AddressEntry readManagementAddress(Node const& node, bool local) {
+  AddressEntry entry;
+  Lldp::ManagementAddress& address = entry.address;
+  Object object(node);
+  // The subtype first: it decides how the address is written.
+  readInto(object, "manAddrSubtype", address.manAddrSubtype, readInt<std::int32_t>);
+  readInto(object, "manAddr", address.manAddr, [&](Node const& n) { return readManAddr(n, address.manAddrSubtype); });
+  readInto(object, "ifSubtype", address.ifSubtype, readEnum<Lldp::ManAddrIfSubtype>);
+  readInto(object, "ifId", address.ifId, readInt<std::int32_t>);
+  readInto(object, "oid", address.oid, [](Node const& n) {
+    std::string const text = readString(n);
+    return checked(n, [&] { return Snmp::ObjectIdentifier::fromDotted(text); });
+  });
+  if (local) {
+    readInto(object, "priority", entry.priority, readPriority);
+  }
+  object.finish();
+  return entry;
+}
+
+std::vector<Lldp::ManagementAddress> readRemoteAddresses(Node const& node) {
+  std::vector<Lldp::ManagementAddress> addresses;
+  UniqueKeys<Lldp::ManagementAddress::Key> keys;
+  for (Node const& element : readArray(node)) {
+    addresses.push_back(readManagementAddress(element, false).address);
+    keys.add(addresses.back().key(), element, addressText(addresses.back().key()));
+  }
+  return addresses;
+}
+
+DesiredLocalSystem readLocalSystem(Node const& node) {
+  DesiredLocalSystem local;
+  Object object(node);
+  readInto(object, "chassisIdSubtype", local.chassisIdSubtype,
+           [](Node const& n) { return static_cast<std::int32_t>(readEnum<Lldp::ChassisIdSubtype>(n)); });
+  bool const macChassis = local.chassisIdSubtype == static_cast<std::int32_t>(Lldp::ChassisIdSubtype::macAddress);
+  readInto(object, "chassisId", local.chassisId, [&](Node const& n) { return readIdentifier(n, macChassis); });
+  readInto(object, "sysName", local.sysName, readOctets);
+  readInto(object, "sysDesc", local.sysDesc, readOctets);
+  readInto(object, "sysCapSupported", local.sysCapSupported, readCapabilities);
+  readInto(object, "sysCapEnabled", local.sysCapEnabled, readCapabilities);
+  if (auto const addresses = object.take("managementAddress")) {
+    UniqueKeys<Lldp::ManagementAddress::Key> keys;
+    UniqueKeys<Lldp::ManAddrPriority> priorities;
+    for (Node const& element : readArray(*addresses)) {
+      AddressEntry const entry = readManagementAddress(element, true);
+      auto const key = entry.address.key();
+      keys.add(key, element, addressText(key));
+      local.managementAddress.push_back(entry.address);
+      if (entry.priority) {
+        priorities.add(*entry.priority, element, priorityText(*entry.priority));
+        local.managementAddressPrio.push_back({*entry.priority, key});
+      }
+    }
+  }
+  object.finish();
+  return local;
+}
+
+DesiredPortConfig readPortConfig(Node const& node) {
+  DesiredPortConfig config;
+  Object object(node);
+  readInto(object, "adminStatus", config.adminStatus, readEnum<Lldp::AdminStatus>);
+  readInto(object, "enabledTlvs", config.enabledTlvs, [](Node const& n) {
+    auto const raw = readBits(n, enabledTlvBits);
+    return checked(n, [&] { return Lldp::EnabledTlvs(raw); }).value();
+  });
+  readInto(object, "manAddrTxEnable", config.manAddrTxEnable, readBool);
+  readInto(object, "portVlanTxEnable", config.portVlanTxEnable, readBool);
+  readInto(object, "dot3EnabledTlvs", config.dot3EnabledTlvs, [](Node const& n) {
+    auto const raw = readBits(n, dot3EnabledTlvBits);
+    return checked(n, [&] { return Lldp::Dot3EnabledTlvs(raw); }).value();
+  });
+  object.finish();
+  return config;
+}
+
+Lldp::LinkAggStatusMap readLinkAggStatus(Node const& node) {
+  return Lldp::LinkAggStatusMap(readBits(node, linkAggStatusBits));
+}
+
+DesiredLocalPort readLocalPort(Node const& node) {
+  DesiredLocalPort port;
+  Object object(node);
+  readInto(object, "portIdSubtype", port.portIdSubtype, readEnum<Lldp::PortIdSubtype>);
+  bool const macPort = port.portIdSubtype == Lldp::PortIdSubtype::macAddress;
+  readInto(object, "portId", port.portId, [&](Node const& n) {
+    Zet::String const bytes = readIdentifier(n, macPort);
+    return checked(n, [&] { return Lldp::PortId(bytes); });
+  });
+  readInto(object, "portDesc", port.portDesc, readBounded<Lldp::BoundedString255>);
+  readInto(object, "portVlanId", port.portVlanId, readRanged<Bridging::VlanIdOrNone>);
+  readInto(object, "linkAggStatus", port.linkAggStatus, readLinkAggStatus);
+  readInto(object, "linkAggPortId", port.linkAggPortId, readInt<std::int32_t>);
+  readInto(object, "maxFrameSize", port.maxFrameSize, readInt<std::uint16_t>);
+  object.finish();
+  return port;
+}
+
+DesiredPortStatus readPortStatus(Node const& node) {
+  DesiredPortStatus status;
+  Object object(node);
+  readInto(object, "txFramesTotal", status.txFramesTotal, readInt<std::uint32_t>);
+  readInto(object, "rxFramesDiscardedTotal", status.rxFramesDiscardedTotal, readInt<std::uint32_t>);
+  readInto(object, "rxFramesErrors", status.rxFramesErrors, readInt<std::uint32_t>);
+  readInto(object, "rxFramesTotal", status.rxFramesTotal, readInt<std::uint32_t>);
+  readInto(object, "rxTLVsDiscardedTotal", status.rxTLVsDiscardedTotal, readInt<std::uint32_t>);
+  readInto(object, "rxTLVsUnrecognizedTotal", status.rxTLVsUnrecognizedTotal, readInt<std::uint32_t>);
+  readInto(object, "rxAgeoutsTotal", status.rxAgeoutsTotal, readInt<std::uint32_t>);
+  object.finish();
+  return status;
+}
+
+Lldp::RemoteSystemMsap readMsap(Node const& node) {
+  Lldp::RemoteSystemMsap msap;
+  Object object(node);
+  readInto(object, "chassisIdSubtype", msap.chassisIdSubtype, readEnum<Lldp::ChassisIdSubtype>);
+  bool const macChassis = msap.chassisIdSubtype == Lldp::ChassisIdSubtype::macAddress;
+  readInto(object, "chassisId", msap.chassisId, [&](Node const& n) {
+    Zet::String const bytes = readIdentifier(n, macChassis);
+    return checked(n, [&] { return Lldp::ChassisId(bytes); });
+  });
+  readInto(object, "portIdSubtype", msap.portIdSubtype, readEnum<Lldp::PortIdSubtype>);
+  bool const macPort = msap.portIdSubtype == Lldp::PortIdSubtype::macAddress;
+  readInto(object, "portId", msap.portId, [&](Node const& n) {
+    Zet::String const bytes = readIdentifier(n, macPort);
+    return checked(n, [&] { return Lldp::PortId(bytes); });
+  });
+  object.finish();
+  return msap;
+}
+
+// Reads every element of a collection and refuses a repeated key; `describe` names a key in the message.
+template <class Record, class Read, class KeyOf, class Describe>
+std::vector<Record> readCollection(Node const& node, Read const& read, KeyOf const& keyOf, Describe const& describe) {
+  std::vector<Record> records;
+  UniqueKeys<std::decay_t<decltype(keyOf(std::declval<Record const&>()))>> keys;
+  for (Node const& element : readArray(node)) {
+    records.push_back(read(element));
+    keys.add(keyOf(records.back()), element, describe(records.back()));
+  }
+  return records;
+}
+
+Lldp::UnknownTlv readUnknownTlv(Node const& node) {
+  Lldp::UnknownTlv tlv;
+  Object object(node);
+  readInto(object, "type", tlv.type, [](Node const& n) {
+    auto const type = readInt<std::uint32_t>(n);
+    return checked(n, [&] { return Lldp::UnknownTlv(type); }).type;
+  });
+  readInto(object, "info", tlv.info, readBounded<Lldp::BoundedString511>);
+  object.finish();
+  return tlv;
+}
+
+Lldp::UnknownOrgDefTlv readUnknownOrgDefTlv(Node const& node) {
+  // The subtype is one octet of the TLV.
+  constexpr std::int64_t subtypeMax = 255;
+  Lldp::UnknownOrgDefTlv tlv;
+  Object object(node);
+  readInto(object, "oui", tlv.oui, readOui);
+  readInto(object, "subtype", tlv.subtype,
+           [](Node const& n) { return static_cast<std::uint32_t>(readInteger(n, 0, subtypeMax)); });
+  readInto(object, "index", tlv.index, readIndex);
+  readInto(object, "orgDefInfo", tlv.orgDefInfo, readBounded<Lldp::BoundedString507>);
+  object.finish();
+  return tlv;
+}
+
+Lldp::PortAndProtocolVlan readPortAndProtocolVlan(Node const& node) {
+  Lldp::PortAndProtocolVlan vlan;
+  Object object(node);
+  readInto(object, "portAndProtocolVlanId", vlan.portAndProtocolVlanId, readRanged<Bridging::VlanIdOrNone>);
+  readInto(object, "supported", vlan.supported, readBool);
+  readInto(object, "enabled", vlan.enabled, readBool);
+  object.finish();
+  return vlan;
+}
+
+Lldp::VlanName readVlanName(Node const& node) {
+  Lldp::VlanName name;
+  Object object(node);
+  readInto(object, "vlanId", name.vlanId, readRanged<Bridging::VlanId>);
+  readInto(object, "vlanName", name.vlanName, readBounded<Lldp::BoundedString32>);
+  object.finish();
+  return name;
+}
+
+Lldp::ProtocolIdentityInfo readProtocolIdentity(Node const& node) {
+  Lldp::ProtocolIdentityInfo info;
+  Object object(node);
+  readInto(object, "index", info.index, readIndex);
+  readInto(object, "protocolId", info.protocolId, readBounded<Lldp::BoundedString255>);
+  object.finish();
+  return info;
+}
+
+Lldp::LinkAggregationInfo readLinkAggregationInfo(Node const& node) {
+  Lldp::LinkAggregationInfo info;
+  Object object(node);
+  readInto(object, "linkAggStatus", info.linkAggStatus, readLinkAggStatus);
+  readInto(object, "linkAggPortId", info.linkAggPortId, readInt<std::int32_t>);
+  object.finish();
+  return info;
+}
+
+Lldp::MacPhyConfigStatusInfo readMacPhyConfigStatusInfo(Node const& node) {
+  Lldp::MacPhyConfigStatusInfo info;
+  Object object(node);
+  readInto(object, "autoNegSupported", info.autoNegSupported, readBool);
+  readInto(object, "autoNegEnabled", info.autoNegEnabled, readBool);
+  readInto(object, "autoNegAdvertisedCap", info.autoNegAdvertisedCap,
+           [](Node const& n) { return readBits(n, autoNegCapBits); });
+  readInto(object, "operMauType", info.operMauType, readInt<std::uint32_t>);
+  object.finish();
+  return info;
+}
+
+Lldp::PowerViaMdiInfo readPowerViaMdiInfo(Node const& node) {
+  Lldp::PowerViaMdiInfo info;
+  Object object(node);
+  readInto(object, "powerPortClass", info.powerPortClass, readEnum<Lldp::PowerPortClass>);
+  readInto(object, "powerMdiSupported", info.powerMdiSupported, readBool);
+  readInto(object, "powerMdiEnabled", info.powerMdiEnabled, readBool);
+  readInto(object, "powerPairControllable", info.powerPairControllable, readBool);
+  readInto(object, "powerPairs", info.powerPairs, readInt<std::uint32_t>);
+  readInto(object, "powerClass", info.powerClass, readInt<std::uint32_t>);
+  object.finish();
+  return info;
+}
+
+DesiredNeighbor readNeighbor(Node const& node, std::size_t position) {
+  DesiredNeighbor neighbor;
+  neighbor.index = static_cast<std::int32_t>(position + 1);
+  Object object(node);
+  readInto(object, "index", neighbor.index, readIndex);
+  readInto(object, "msap", neighbor.msap, readMsap);
+  readInto(object, "portDesc", neighbor.portDesc, readBounded<Lldp::BoundedString255>);
+  readInto(object, "sysName", neighbor.sysName, readBounded<Lldp::BoundedString255>);
+  readInto(object, "sysDesc", neighbor.sysDesc, readBounded<Lldp::BoundedString255>);
+  readInto(object, "sysCapSupported", neighbor.sysCapSupported, readCapabilities);
+  readInto(object, "sysCapEnabled", neighbor.sysCapEnabled, readCapabilities);
+  readInto(object, "managementAddress", neighbor.managementAddress, readRemoteAddresses);
+  readInto(object, "unknownTlv", neighbor.unknownTlv, [](Node const& n) {
+    return readCollection<Lldp::UnknownTlv>(
+        n, readUnknownTlv, [](Lldp::UnknownTlv const& t) { return t.type; },
+        [](Lldp::UnknownTlv const& t) { return "type " + std::to_string(t.type); });
+  });
+  readInto(object, "unknownOrgDefTlv", neighbor.unknownOrgDefTlv, [](Node const& n) {
+    return readCollection<Lldp::UnknownOrgDefTlv>(
+        n, readUnknownOrgDefTlv, [](Lldp::UnknownOrgDefTlv const& t) { return t.key(); },
+        [](Lldp::UnknownOrgDefTlv const& t) {
+          return "key (oui " + textOf(t.oui) + ", subtype " + std::to_string(t.subtype) + ", index " +
+                 std::to_string(t.index) + ")";
+        });
+  });
+  readInto(object, "portVlanIdTlvReceived", neighbor.portVlanIdTlvReceived, readBool);
+  readInto(object, "portVlanId", neighbor.portVlanId, readRanged<Bridging::VlanIdOrNone>);
+  readInto(object, "portAndProtocolVlan", neighbor.portAndProtocolVlan, [](Node const& n) {
+    return readCollection<Lldp::PortAndProtocolVlan>(
+        n, readPortAndProtocolVlan, [](Lldp::PortAndProtocolVlan const& v) { return v.portAndProtocolVlanId; },
+        [](Lldp::PortAndProtocolVlan const& v) {
+          return "portAndProtocolVlanId " + std::to_string(v.portAndProtocolVlanId.value());
+        });
+  });
+  readInto(object, "vlanName", neighbor.vlanName, [](Node const& n) {
+    return readCollection<Lldp::VlanName>(
+        n, readVlanName, [](Lldp::VlanName const& v) { return v.vlanId; },
+        [](Lldp::VlanName const& v) { return "vlanId " + std::to_string(v.vlanId.value()); });
+  });
+  readInto(object, "protocolIdentityInfo", neighbor.protocolIdentityInfo, [](Node const& n) {
+    return readCollection<Lldp::ProtocolIdentityInfo>(
+        n, readProtocolIdentity, [](Lldp::ProtocolIdentityInfo const& p) { return p.index; },
+        [](Lldp::ProtocolIdentityInfo const& p) { return "index " + std::to_string(p.index); });
+  });
+  readInto(object, "linkAggregationTlvReceived", neighbor.linkAggregationTlvReceived, readBool);
+  readInto(object, "linkAggregationInfo", neighbor.linkAggregationInfo, readLinkAggregationInfo);
+  readInto(object, "macPhyConfigStatusTlvReceived", neighbor.macPhyConfigStatusTlvReceived, readBool);
+  readInto(object, "macPhyConfigStatusInfo", neighbor.macPhyConfigStatusInfo, readMacPhyConfigStatusInfo);
+  readInto(object, "powerViaMdiTlvReceived", neighbor.powerViaMdiTlvReceived, readBool);
+  readInto(object, "powerViaMdiInfo", neighbor.powerViaMdiInfo, readPowerViaMdiInfo);
+  readInto(object, "maximumFrameSizeTlvReceived", neighbor.maximumFrameSizeTlvReceived, readBool);
+  readInto(object, "maximumFrameSizeInfo", neighbor.maximumFrameSizeInfo, readInt<std::uint16_t>);
+  readInto(object, "lastChangeTime", neighbor.lastChangeTime, readSeconds);
+  object.finish();
+  return neighbor;
+}
+
+DesiredPort readPort(Node const& node, std::size_t position) {
+  DesiredPort port;
+  Object object(node);
+  Node const nameNode = object.require("name");
+  std::string const name = readString(nameNode);
+  if (name.empty()) {
+    nameNode.fail("expected a non-empty name");
+  }
+  port.name = Ondo::IntfId(Zet::String(name));
+  // Numbered in file order unless told otherwise: Ethernet1 is port 1 in the usual layout.
+  if (auto const number = object.take("number")) {
+    port.number = readRanged<Interface::EthPortId>(*number);
+  } else {
+    port.number = checked(node, [&] { return Interface::EthPortId(static_cast<std::uint16_t>(position + 1)); });
+  }
+  readInto(object, "config", port.config, readPortConfig);
+  readInto(object, "localPort", port.localPort, readLocalPort);
+  readInto(object, "portStatus", port.portStatus, readPortStatus);
+  if (auto const neighbors = object.take("neighbors")) {
+    UniqueKeys<std::int32_t> indexes;
+    UniqueKeys<Lldp::RemoteSystemMsap> msaps;
+    auto const elements = readArray(*neighbors);
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+      port.neighbors.push_back(readNeighbor(elements[i], i));
+      DesiredNeighbor const& neighbor = port.neighbors.back();
+      indexes.add(neighbor.index, elements[i], "neighbor index " + std::to_string(neighbor.index));
+      msaps.add(neighbor.msap, elements[i], msapText(neighbor.msap));
+    }
+  }
+  object.finish();
+  return port;
+}
+
+std::vector<DesiredPort> readPorts(Node const& node) {
+  std::vector<DesiredPort> ports;
+  UniqueKeys<Ondo::IntfId> names;
+  UniqueKeys<Interface::EthPortId> numbers;
+  auto const elements = readArray(node);
+  for (std::size_t i = 0; i < elements.size(); ++i) {
+    ports.push_back(readPort(elements[i], i));
+    DesiredPort const& port = ports.back();
+    names.add(port.name, elements[i], "port name '" + port.name.stringValue().stdString() + "'");
+    numbers.add(port.number, elements[i], "port number " + std::to_string(port.number.value()));
+  }
+  return ports;
+}
+
+DesiredState readState(Node const& node) {
+  DesiredState state;
+  Object object(node);
+  // Free text for the reader of the file; nothing is served from it.
+  if (auto const description = object.take("description")) {
+    readString(*description);
+  }
+  readInto(object, "config", state.config, readConfig);
+  readInto(object, "status", state.status, readStatus);
+  readInto(object, "localSystem", state.localSystem, readLocalSystem);
+  readInto(object, "ports", state.ports, readPorts);
+  object.finish();
+  return state;
+}
+
+}  // namespace
+
+ScenarioError::ScenarioError(std::string source, std::string path, std::string reason)
+    : std::runtime_error(oneLine(source + ": " + path + ": " + reason)),
+      source_(std::move(source)),
+      path_(std::move(path)),
+      reason_(std::move(reason)) {}
+
+DesiredState parseScenario(std::string_view json, std::string const& sourceName) {
+  Json document;
+  try {
+    document = Json::parse(json);
+  } catch (Json::parse_error const& e) {
+    throw ScenarioError(sourceName, "$", std::string(e.what()) + " (byte " + std::to_string(e.byte) + ")");
+  }
+  return readState(Node(document, "$", sourceName));
+}
+
+DesiredState loadScenarioFile(std::string const& path) {
+  auto const unreadable = [&] {
+    return ScenarioError(path, "$", std::string("cannot read the file: ") + std::strerror(errno));
+  };
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    throw unreadable();
+  }
+  std::string text;
+  try {
+    text.assign(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+  } catch (std::ios_base::failure const&) {
+    // A read error (a directory, say) escapes the stream buffer as an exception.
+    throw unreadable();
+  }
+  if (file.bad()) {
+    throw unreadable();
+  }
+  return parseScenario(text, path);
+}
+
+DesiredState demoScenario() { return parseScenario(demoScenarioText(), "demo-switch.json"); }

@@ -1,0 +1,73 @@
+#include "SnmpAgent.h"
+
+#include <cstdlib>
+#include <stdexcept>
+#include <vector>
+
+#include <net-snmp/net-snmp-config.h>
+#include <net-snmp/net-snmp-includes.h>
+#include <net-snmp/agent/net-snmp-agent-includes.h>
+
+#include "Zet/System.h"
+
+// Part of the agent library, without a public header.
+extern "C" void init_vacm_conf(void);
+
+namespace {
+// A directive parsed with the configuration files, as if it stood in one;
+// net-snmp keeps its own copy of the text.
+void rememberConfigLine(std::string const& line) {
+  std::vector<char> text(line.begin(), line.end());
+  text.push_back('\0');
+  netsnmp_config_remember(text.data());
+}
+}  // namespace
+
+SnmpAgent::SnmpAgent(AgentOptions const& options) : options_(options) {
+  snmp_enable_stderrlog();
+  bool const subagent = options_.agentx.has_value();
+  netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_ROLE, subagent ? 1 : 0);
+  if (subagent) {
+    if (!options_.agentx->empty()) {
+      netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_X_SOCKET, options_.agentx->c_str());
+    }
+  } else {
+    netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_PORTS, options_.listen.c_str());
+  }
+  if (!options_.config.empty()) {
+    netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, options_.config.c_str());
+  }
+  if (!options_.persistentDir.empty()) {
+    netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_PERSISTENT_DIR, options_.persistentDir.c_str());
+  }
+  // The agent needs no MIB files, and most of net-snmp's default list is not installed.
+  setenv("MIBS", "", 0);
+  // One log line per request is noise for an agent that is polled all day.
+  netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_DONT_LOG_TCPWRAPPERS_CONNECTS, 1);
+  init_agent(appName_.c_str());
+  // The directives users know from snmpd: communities, users, views, trap sinks.
+  init_vacm_conf();
+  init_usm_conf(appName_.c_str());
+  if (!subagent && !options_.community.empty()) {
+    rememberConfigLine("rocommunity " + options_.community);
+    rememberConfigLine("rocommunity6 " + options_.community);
+  }
+}
+
+SnmpAgent::~SnmpAgent() { snmp_shutdown(appName_.c_str()); }
+
+void SnmpAgent::start() {
+  init_snmp(appName_.c_str());
+  if (options_.agentx) {
+    return;  // the sub-agent connects from init_snmp and retries on its own
+  }
+  if (init_master_agent() != 0) {
+    throw std::runtime_error("cannot listen on " + options_.listen);
+  }
+}
+
+void SnmpAgent::processOnce() { agent_check_and_process(1); }
+
+double SnmpAgent::uptimeOrigin() {
+  return Zet::System::currentTime() - static_cast<double>(netsnmp_get_agent_uptime()) / 100.0;
+}

@@ -1,0 +1,7 @@
+#include "LldpAgent/AllStatus.h"
+
+namespace Lldp {
+
+AllStatus::AllStatus() : StatusBase("all") {}
+
+}  // namespace Lldp

@@ -1,0 +1,38 @@
+#include "LldpAgent/MacPhyConfigStatusInfo.h"
+
+#include <ostream>
+
+#include "Zet/RecordForm.h"
+
+namespace Lldp {
+
+namespace {
+
+using Info = MacPhyConfigStatusInfo;
+
+constexpr Zet::RecordForm form{"Lldp::MacPhyConfigStatusInfo", Zet::field("autoNegSupported", &Info::autoNegSupported),
+                               Zet::field("autoNegEnabled", &Info::autoNegEnabled),
+                               Zet::field("autoNegAdvertisedCap", &Info::autoNegAdvertisedCap),
+                               Zet::field("operMauType", &Info::operMauType)};
+
+}  // namespace
+
+Info::MacPhyConfigStatusInfo(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end) {
+  form.read(*this, pos, end);
+}
+
+std::uint16_t Info::autoNegAdvertisedCapAsU16() const {
+  std::uint16_t bits = 0;
+  for (unsigned n = 0; n < 16; ++n) {
+    if ((autoNegAdvertisedCap >> n) & 1u) {
+      bits |= static_cast<std::uint16_t>(1u << (15 - n));
+    }
+  }
+  return bits;
+}
+
+Zet::String valueToStrep(Info const& info) { return form.toStrep(info); }
+
+std::ostream& operator<<(std::ostream& os, Info const& info) { return os << valueToStrep(info); }
+
+}  // namespace Lldp

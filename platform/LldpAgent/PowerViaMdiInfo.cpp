@@ -1,0 +1,30 @@
+#include "LldpAgent/PowerViaMdiInfo.h"
+
+#include <ostream>
+
+#include "Zet/RecordForm.h"
+
+namespace Lldp {
+
+namespace {
+
+using Info = PowerViaMdiInfo;
+
+constexpr Zet::RecordForm form{"Lldp::PowerViaMdiInfo", Zet::field("powerPortClass", &Info::powerPortClass),
+                               Zet::field("powerMdiSupported", &Info::powerMdiSupported),
+                               Zet::field("powerMdiEnabled", &Info::powerMdiEnabled),
+                               Zet::field("powerPairControllable", &Info::powerPairControllable),
+                               Zet::field("powerPairs", &Info::powerPairs),
+                               Zet::field("powerClass", &Info::powerClass)};
+
+}  // namespace
+
+Info::PowerViaMdiInfo(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end) {
+  form.read(*this, pos, end);
+}
+
+Zet::String valueToStrep(Info const& info) { return form.toStrep(info); }
+
+std::ostream& operator<<(std::ostream& os, Info const& info) { return os << valueToStrep(info); }
+
+}  // namespace Lldp

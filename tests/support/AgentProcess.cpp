@@ -1,0 +1,170 @@
+#include "AgentProcess.h"
+
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <thread>
+
+#include "SnmpClient.h"
+
+namespace {
+
+std::vector<char*> argv(std::vector<std::string>& words) {
+  std::vector<char*> result;
+  for (auto& w : words) {
+    result.push_back(w.data());
+  }
+  result.push_back(nullptr);
+  return result;
+}
+
+pid_t spawn(std::vector<std::string> words, std::string const& stderrPath) {
+  pid_t const pid = fork();
+  if (pid == 0) {
+    int const fd = open(stderrPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    dup2(fd, 2);
+    int const null = open("/dev/null", O_RDWR);
+    dup2(null, 0);
+    dup2(null, 1);
+    auto args = argv(words);
+    execv(args[0], args.data());
+    _exit(127);
+  }
+  return pid;
+}
+
+std::string readFile(std::string const& path) {
+  std::ifstream in(path);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+// Waits up to `seconds` for `pid`; gives its wait status or -1.
+int waitFor(pid_t pid, double seconds) {
+  auto const deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+  while (std::chrono::steady_clock::now() < deadline) {
+    int status = 0;
+    if (waitpid(pid, &status, WNOHANG) == pid) {
+      return status;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  return -1;
+}
+
+}  // namespace
+
+int freeUdpPort() {
+  int const fd = socket(AF_INET, SOCK_DGRAM, 0);
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  bind(fd, reinterpret_cast<sockaddr*>(&address), sizeof address);
+  socklen_t length = sizeof address;
+  getsockname(fd, reinterpret_cast<sockaddr*>(&address), &length);
+  close(fd);
+  return ntohs(address.sin_port);
+}
+
+std::string makeTempDirectory() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "lldp-snmp-test-XXXXXX").string();
+  if (!mkdtemp(pattern.data())) {
+    throw std::runtime_error("cannot make a temporary directory");
+  }
+  return pattern;
+}
+
+std::string runCommand(std::string const& command, int* status) {
+  std::string output;
+  FILE* pipe = popen(command.c_str(), "r");
+  if (!pipe) {
+    throw std::runtime_error("cannot run " + command);
+  }
+  std::array<char, 4096> buffer{};
+  size_t n = 0;
+  while ((n = fread(buffer.data(), 1, buffer.size(), pipe)) > 0) {
+    output.append(buffer.data(), n);
+  }
+  int const s = pclose(pipe);
+  if (status) {
+    *status = WIFEXITED(s) ? WEXITSTATUS(s) : -1;
+  }
+  return output;
+}
+
+AgentProcess::AgentProcess(std::vector<std::string> const& arguments)
+    : port_(freeUdpPort()), directory_(makeTempDirectory()) {
+  std::vector<std::string> words{LLDP_SNMP_AGENT_PATH, "--listen", "udp:127.0.0.1:" + std::to_string(port_),
+                                 "--persistent-dir", directory_};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  pid_ = spawn(words, directory_ + "/stderr");
+
+  // Ready when it answers; bounded at about 10 s.
+  SnmpClient client(peer(), "public", 50000, 0);
+  for (int attempt = 0; attempt < 200; ++attempt) {
+    int status = 0;
+    if (waitpid(pid_, &status, WNOHANG) == pid_) {
+      pid_ = -1;
+      throw std::runtime_error("agent ended at start: " + standardError());
+    }
+    auto const r = client.get({"1.0.8802.1.1.2.1.1.5.0"});
+    if (!r.timedOut) {
+      return;
+    }
+  }
+  throw std::runtime_error("agent did not answer: " + standardError());
+}
+
+AgentProcess::~AgentProcess() {
+  if (pid_ > 0) {
+    stop(SIGKILL);
+  }
+  std::error_code ec;
+  std::filesystem::remove_all(directory_, ec);
+}
+
+int AgentProcess::stop(int signal) {
+  if (pid_ <= 0) {
+    return -1;
+  }
+  kill(pid_, signal);
+  int status = waitFor(pid_, 10.0);
+  if (status == -1) {
+    kill(pid_, SIGKILL);
+    waitpid(pid_, &status, 0);
+  }
+  pid_ = -1;
+  return status;
+}
+
+std::string AgentProcess::standardError() const { return readFile(directory_ + "/stderr"); }
+
+AgentRun runAgentToEnd(std::vector<std::string> const& arguments) {
+  auto const directory = makeTempDirectory();
+  std::vector<std::string> words{LLDP_SNMP_AGENT_PATH, "--listen", "udp:127.0.0.1:" + std::to_string(freeUdpPort()),
+                                 "--persistent-dir", directory};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  pid_t const pid = spawn(words, directory + "/stderr");
+  int status = waitFor(pid, 20.0);
+  if (status == -1) {
+    kill(pid, SIGKILL);
+    waitpid(pid, &status, 0);
+  }
+  AgentRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(directory + "/stderr")};
+  std::error_code ec;
+  std::filesystem::remove_all(directory, ec);
+  return run;
+}

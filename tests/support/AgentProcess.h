@@ -1,0 +1,45 @@
+#pragma once
+// The real lldp-snmp-agent as a child process on a free loopback port, with
+// its own persistent directory; stopped with SIGTERM when the object goes.
+
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+class AgentProcess {
+ public:
+  // Starts the agent with `arguments` added to --listen and --persistent-dir,
+  // and waits (bounded) until it answers SNMP.
+  explicit AgentProcess(std::vector<std::string> const& arguments);
+  ~AgentProcess();
+  AgentProcess(AgentProcess const&) = delete;
+  AgentProcess& operator=(AgentProcess const&) = delete;
+
+  std::string peer() const { return "udp:127.0.0.1:" + std::to_string(port_); }
+  int port() const { return port_; }
+  // Sends `signal`; waits (bounded) for the process to end and gives its wait status.
+  int stop(int signal);
+  // What the agent wrote to standard error so far.
+  std::string standardError() const;
+
+ private:
+  int port_;
+  pid_t pid_ = -1;
+  std::string directory_;
+};
+
+// Runs the agent to its end with `arguments` (no --listen added) and gives the
+// exit code and standard error; for runs that must fail at start.
+struct AgentRun {
+  int exitCode;
+  std::string standardError;
+};
+AgentRun runAgentToEnd(std::vector<std::string> const& arguments);
+
+// A UDP port on 127.0.0.1 that was free a moment ago.
+int freeUdpPort();
+// A new empty directory under the system's temporary directory.
+std::string makeTempDirectory();
+// Runs a shell command, gives its standard output (and its exit status through `status`).
+std::string runCommand(std::string const& command, int* status = nullptr);
