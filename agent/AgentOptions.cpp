@@ -10,32 +10,41 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
       "lldp-snmp-agent"};
   app.get_formatter()->column_width(34);
   app.add_option("--listen", o.listen, "Address to serve SNMP on, in net-snmp transport syntax")
+      ->type_name("ADDR")
       ->capture_default_str();
   app.add_option("--community", o.community,
                  "SNMPv1/v2c read-only community (empty: none; more with rocommunity in --config)")
+      ->type_name("NAME")
       ->capture_default_str();
   app.add_option("--config", o.config,
                  "net-snmp configuration file (rocommunity, rwcommunity, createUser/rouser, trap2sink, "
                  "informsink, agentaddress, ...)")
-      ->check(CLI::ExistingFile);
+      ->check(CLI::ExistingFile.description(""))
+      ->type_name("FILE");
   std::string agentx;
   auto* agentxOption = app.add_option("--agentx", agentx,
                                       "Attach to a running snmpd as AgentX sub-agent, at ADDRESS or at net-snmp's "
                                       "default socket")
                            ->expected(0, 1)
                            ->type_name("[ADDRESS]");
+  // Not checked here: a scenario that cannot be read is refused like any bad scenario.
   app.add_option("--scenario", o.scenario, "LLDP state to serve, as JSON (default: a built-in demo switch)")
-      ->check(CLI::ExistingFile);
+      ->type_name("FILE");
   app.add_option("--plugin", o.plugin, "The LldpSnmp plug-in to load (default: the one built or installed beside "
                                        "this program)")
-      ->check(CLI::ExistingFile);
-  app.add_option("--trace", o.trace, "Trace levels per handle to standard error, e.g. Snmp=2,LldpSnmp=8");
-  app.add_option("--ringlog", o.ringlog, "Write the in-memory ring log to FILE at exit and on SIGUSR1");
-  app.add_option("--persistent-dir", o.persistentDir, "Directory for net-snmp's persistent state");
+      ->check(CLI::ExistingFile.description(""))
+      ->type_name("FILE");
+  app.add_option("--trace", o.trace, "Trace levels per handle to standard error, e.g. Snmp=2,LldpSnmp=8")
+      ->type_name("LEVELS");
+  app.add_option("--ringlog", o.ringlog, "Write the in-memory ring log to FILE at exit and on SIGUSR1")
+      ->type_name("FILE");
+  app.add_option("--persistent-dir", o.persistentDir, "Directory for net-snmp's persistent state")
+      ->type_name("DIR");
   try {
     app.parse(argc, argv);
   } catch (CLI::ParseError const& e) {
-    return {std::nullopt, app.exit(e)};
+    // CLI11 numbers its errors; a usage error is 2 whatever its kind, as for other tools.
+    return {std::nullopt, app.exit(e) == 0 ? 0 : 2};
   }
   if (agentxOption->count() > 0) {
     o.agentx = agentx;

@@ -45,6 +45,7 @@
 #include "LldpAgent/VlanName.h"
 #include "Ondo/IntfId.h"
 #include "Snmp/ObjectIdentifier.h"
+#include "Zet/TextForm.h"
 #include "Zet/Exception.h"
 #include "Zet/String.h"
 
@@ -221,19 +222,6 @@ std::int32_t readIndex(Node const& node) {
   return static_cast<std::int32_t>(readInteger(node, 1, std::numeric_limits<std::int32_t>::max()));
 }
 
-int hexDigit(char c) {
-  if (c >= '0' && c <= '9') {
-    return c - '0';
-  }
-  if (c >= 'a' && c <= 'f') {
-    return c - 'a' + 10;
-  }
-  if (c >= 'A' && c <= 'F') {
-    return c - 'A' + 10;
-  }
-  return -1;
-}
-
 // Pairs of hex digits, nothing between them.
 std::optional<std::string> bytesFromHex(std::string_view text) {
   if (text.size() % 2 != 0) {
@@ -241,8 +229,8 @@ std::optional<std::string> bytesFromHex(std::string_view text) {
   }
   std::string bytes;
   for (std::size_t i = 0; i < text.size(); i += 2) {
-    int const high = hexDigit(text[i]);
-    int const low = hexDigit(text[i + 1]);
+    int const high = Zet::hexValue(text[i]);
+    int const low = Zet::hexValue(text[i + 1]);
     if (high < 0 || low < 0) {
       return std::nullopt;
     }

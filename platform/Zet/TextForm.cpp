@@ -10,6 +10,19 @@
 
 namespace Zet {
 
+int hexValue(char c) {
+  if (c >= '0' && c <= '9') {
+    return c - '0';
+  }
+  if (c >= 'a' && c <= 'f') {
+    return c - 'a' + 10;
+  }
+  if (c >= 'A' && c <= 'F') {
+    return c - 'A' + 10;
+  }
+  return -1;
+}
+
 namespace {
 
 // A short piece of the text at `pos`, for error messages.
@@ -27,18 +40,6 @@ std::string excerpt(TextPos const& pos, TextPos const& end) {
 
 char hexDigit(unsigned nibble) { return "0123456789abcdef"[nibble & 0xf]; }
 
-int hexValue(char c) {
-  if (c >= '0' && c <= '9') {
-    return c - '0';
-  }
-  if (c >= 'a' && c <= 'f') {
-    return c - 'a' + 10;
-  }
-  if (c >= 'A' && c <= 'F') {
-    return c - 'A' + 10;
-  }
-  return -1;
-}
 
 // from_chars over the rest of the text; `pos` moves past the number.
 template <class T>

@@ -84,6 +84,9 @@ String strepOf(T const& value) {
   }
 }
 
+// The value of one hex digit, either case; -1 for any other character.
+int hexValue(char c);
+
 // Moves `pos` past `token`; raises a ParseException if the text does not start with it.
 void needString(TextPos& pos, TextPos const& end, std::string_view token);
 // Raises a ParseException saying that the text at `pos` is no `type`.

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 #include "AgentProcess.h"
@@ -76,7 +77,11 @@ class AgentLibrary : public testing::Environment {
     init_snmp("lldp-registration-test");
     ASSERT_EQ(init_master_agent(), 0);
   }
-  void TearDown() override { snmp_shutdown("lldp-registration-test"); }
+  void TearDown() override {
+    snmp_shutdown("lldp-registration-test");
+    std::error_code ignored;
+    std::filesystem::remove_all(directory_, ignored);
+  }
 
   static inline int port = 0;
 
