@@ -202,7 +202,7 @@ class EntityMap {
       release(*slot);
     }
     if constexpr (adopts) {
-      member->parentIs(Zet::Ptr<Zet::Entity>(owner_));
+      member->parentIs(owner_);
     }
     slot = member;
     return true;

@@ -10,5 +10,11 @@ namespace Zet {
 
 }  // namespace Zet
 
+// A unit spread over several files names itself before including this header:
+//   #define ZET_UNIT "LldpSnmp"
+#ifndef ZET_UNIT
+#define ZET_UNIT __FILE__
+#endif
+
 #define ZET_ASSERT(expr) \
-  ((expr) ? static_cast<void>(0) : ::Zet::assertionFailed(#expr, __FILE__, __LINE__, __PRETTY_FUNCTION__))
+  ((expr) ? static_cast<void>(0) : ::Zet::assertionFailed(#expr, ZET_UNIT, __LINE__, __PRETTY_FUNCTION__))

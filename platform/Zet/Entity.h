@@ -11,11 +11,14 @@ class Entity : public PtrInterface {
  public:
   class NotifieeConst : public PtrInterface::NotifieeConst {};
 
+  ~Entity() override { liveObjectsLeave(this); }
+
   virtual Name name() const { return name_; }
   // The parent does not keep its children alive, nor they it: a member's
   // collection clears the link when it lets the member go.
   Entity* parent() const { return parent_; }
-  void parentIs(Ptr<Entity> const& parent) { parent_ = parent.get(); }
+  // Plain pointer: taking a counted one here would release a parent whose count is still 0.
+  void parentIs(Entity* parent) { parent_ = parent; }
   // The names from the top-most ancestor down, joined by "/".
   String fullName() const;
 
@@ -23,7 +26,8 @@ class Entity : public PtrInterface {
   virtual bool hasBackupSupport() const { return false; }
 
  protected:
-  explicit Entity(Name name = {}) : name_(std::move(name)) {}
+  // Text may refer to an entity by its address (Zet::sequenceToValueOfPtr).
+  explicit Entity(Name name = {}) : name_(std::move(name)) { liveObjectsEnter(this); }
 
  private:
   Name name_;

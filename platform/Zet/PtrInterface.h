@@ -40,6 +40,11 @@ class PtrInterface {
   // The notifiees that watch this object; null when none ever registered.
   std::vector<NotifieeConst*> const* notifieeList() const;
 
+  // The object entered at `address` (see liveObjectsEnter), if somebody holds a
+  // reference to it, else null: how a reference read back from text finds its
+  // object. For the thread that owns the objects.
+  static PtrInterface* liveObjectAt(void const* address);
+
   // The count is the word masked with countMask; the two flags sit outside it.
   static constexpr std::uint32_t countMask = 0x5fffffffu;
   static constexpr std::uint32_t notificationActiveBit = 0x20000000u;
@@ -47,6 +52,11 @@ class PtrInterface {
 
  protected:
   virtual void handleZeroRef() const { delete this; }
+
+  // A kind of object that text may refer to enters each object on construction
+  // and takes it out on destruction; entities do, strings do not.
+  static void liveObjectsEnter(PtrInterface* object);
+  static void liveObjectsLeave(PtrInterface const* object);
 
  private:
   friend class NotifieeConst;

@@ -1,6 +1,7 @@
 #include "Zet/TextForm.h"
 
 #include <charconv>
+#include <cstdint>
 #include <cstdlib>
 #include <cxxabi.h>
 #include <memory>
@@ -225,6 +226,31 @@ void cannotConvert(TextPos const& pos, TextPos const& end, std::type_info const&
 
 void rethrowFromDeserializeAttr(RangeException const& exception, std::string_view attrName) {
   throw RangeException(std::string(attrName) + ": " + exception.what());
+}
+
+Ptr<PtrInterface> sequenceToValueOfPtr(TextPos& pos, TextPos const& end) {
+  TextPos const start = pos;
+  if (std::string_view(std::to_address(pos), end - pos).starts_with("None")) {
+    pos += 4;
+    return nullptr;
+  }
+  TextPos at = pos;
+  needString(at, end, "Ref(");
+  detail::readString(at, end);
+  needString(at, end, ", 0x");
+  std::uintptr_t address = 0;
+  auto const [next, ec] = std::from_chars(std::to_address(at), std::to_address(end), address, 16);
+  if (ec != std::errc()) {
+    throwParse("an address in hex", at, end);
+  }
+  at += next - std::to_address(at);
+  needString(at, end, ")");
+  PtrInterface* const object = PtrInterface::liveObjectAt(reinterpret_cast<void const*>(address));
+  if (!object) {
+    throw ParseException("no live object for '" + std::string(start, at) + "'");
+  }
+  pos = at;
+  return Ptr<PtrInterface>(object);
 }
 
 void strepToValueEnd(String const& text, TextPos const& pos) {

@@ -20,6 +20,7 @@
 
 #include "Zet/Exception.h"
 #include "Zet/Ptr.h"
+#include "Zet/PtrInterface.h"
 #include "Zet/String.h"
 
 namespace Zet {
@@ -55,14 +56,17 @@ String valueToStrep(String const& value);
 // Without this a literal would take the bool overload.
 inline String valueToStrep(char const* value) { return valueToStrep(String(value)); }
 
-// How a reference to an object is written: None for null, else the type and address.
+// How a reference to an object is written: None for null, else the type and
+// address, as in "Ref('Lldp::RemoteSystem', 0x55d0c8a1f2b0)".
 String valueToStrepOfRawPtr(void const* object, std::string_view typeName);
 // The readable name of a type, such as "Lldp::RemoteSystem".
 std::string typeName(std::type_info const& type);
 
+// The address written is that of the object's PtrInterface, by which
+// sequenceToValueOfPtr finds the object again.
 template <class T>
 String valueToStrep(Ptr<T> const& object) {
-  return valueToStrepOfRawPtr(object.get(), typeName(typeid(T)));
+  return valueToStrepOfRawPtr(static_cast<PtrInterface const*>(object.get()), typeName(typeid(T)));
 }
 
 // The text form of any value: numbers and enumerations by the overloads above,
@@ -97,6 +101,28 @@ void needString(TextPos& pos, TextPos const& end, std::string_view token);
 // Raises a ParseException unless `pos` is the end of `text`.
 void strepToValueEnd(String const& text, TextPos const& pos);
 
+// Reads an object reference as valueToStrep(Ptr) writes it: None gives null, a
+// reference the entity at its address. The type name in the reference is not
+// checked; the object's own type is, by sequenceToValue. A reference to no
+// entity that somebody holds raises a ParseException.
+Ptr<PtrInterface> sequenceToValueOfPtr(TextPos& pos, TextPos const& end);
+
+// Reads a reference to a T: null for None; an object that is no T raises
+// through cannotConvert.
+template <class T>
+Ptr<T> sequenceToValue(TextPos& pos, TextPos const& end) {
+  TextPos const start = pos;
+  Ptr<PtrInterface> const object = sequenceToValueOfPtr(pos, end);
+  if (!object) {
+    return nullptr;
+  }
+  T* const typed = dynamic_cast<T*>(object.get());
+  if (!typed) {
+    cannotConvert(start, end, typeid(T));
+  }
+  return Ptr<T>(typed);
+}
+
 namespace detail {
 long long readSigned(TextPos& pos, TextPos const& end);
 unsigned long long readUnsigned(TextPos& pos, TextPos const& end);
@@ -107,6 +133,12 @@ double readDouble(TextPos& pos, TextPos const& end);
 String readString(TextPos& pos, TextPos const& end);
 template <class>
 inline constexpr bool unreadable = false;
+template <class>
+struct PtrTarget {};
+template <class T>
+struct PtrTarget<Ptr<T>> {
+  using type = T;
+};
 }  // namespace detail
 
 // A type that reads itself: it has a parsing constructor.
@@ -114,7 +146,7 @@ template <class T>
 concept ParsableFromText = std::constructible_from<T, TextPos&, TextPos const&>;
 
 // Reads a value of T at `pos`: the overloads' forms for numbers, booleans and
-// strings, the parsing constructor for other types.
+// strings, sequenceToValue for a Ptr, the parsing constructor for other types.
 template <class T>
 T readValue(TextPos& pos, TextPos const& end) {
   if constexpr (std::is_same_v<T, bool>) {
@@ -141,6 +173,8 @@ T readValue(TextPos& pos, TextPos const& end) {
     return static_cast<T>(detail::readDouble(pos, end));
   } else if constexpr (std::is_same_v<T, String>) {
     return detail::readString(pos, end);
+  } else if constexpr (requires { typename detail::PtrTarget<T>::type; }) {
+    return sequenceToValue<typename detail::PtrTarget<T>::type>(pos, end);
   } else if constexpr (ParsableFromText<T>) {
     return T(pos, end);
   } else {
