@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "Root.h"
 #include "Zet/Assert.h"
 
 namespace {
@@ -74,4 +75,16 @@ Lldp::Oui AsnOctetStringToOui(void* data, unsigned int len) {
   ZET_ASSERT(len == 3);
   auto const* octets = static_cast<unsigned char const*>(data);
   return Lldp::Oui((std::uint32_t{octets[0]} << 16) | (std::uint32_t{octets[1]} << 8) | octets[2]);
+}
+
+namespace {
+// The one counted reference from the SNMP side; set by LldpSm when the mirror is ready.
+Zet::Ptr<Lldp::Snmp::Root const> root_;
+}  // namespace
+
+void lldpRootIs(Zet::Ptr<Lldp::Snmp::Root const> root) {
+  ZET_ASSERT(!root_);
+  if (root && root.get() != root_.get()) {
+    root_ = std::move(root);
+  }
 }

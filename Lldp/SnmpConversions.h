@@ -8,6 +8,7 @@
 #include "LldpAgent/BitMaps.h"
 #include "LldpAgent/Oui.h"
 #include "LldpAgent/PortConfig.h"
+#include "Zet/Ptr.h"
 
 // BITS: named bit n of the map becomes bit n of the SNMP BITS encoding, which
 // counts from the top bit of the first octet.
@@ -26,3 +27,11 @@ int OuiToAsnOctetString(Lldp::Oui const& value, unsigned char* buffer, int lengt
 
 // The OUI of a 3-octet string, as in a request index; any other length asserts.
 Lldp::Oui AsnOctetStringToOui(void* data, unsigned int len);
+
+namespace Lldp::Snmp {
+class Root;
+}
+
+// Hands the mirror to the conversions that read it; once per process, and
+// the mirror then lives to process exit. An empty pointer leaves it unset.
+void lldpRootIs(Zet::Ptr<Lldp::Snmp::Root const> root);

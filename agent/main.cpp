@@ -10,6 +10,7 @@
 #include "AgentOptions.h"
 #include "DesiredState.h"
 #include "Plugin.h"
+#include "PortDriver.h"
 #include "Reconciler.h"
 #include "Ringlog/Ringlog.h"
 #include "Scenario.h"
@@ -40,6 +41,9 @@ int run(AgentOptions const& options) {
   Snmp::uptimeOriginIs(SnmpAgent::uptimeOrigin());
   Reconciler reconciler;
   reconciler.apply(state);
+  // The tables find the mirror at registration, so it comes before the plug-in's modules.
+  PortDriver ports;
+  ports.sync(reconciler.ports());
   Plugin plugin(options.plugin.empty() ? Plugin::defaultPath() : options.plugin);
   plugin.initModules("");
   agent.start();
@@ -59,6 +63,7 @@ int run(AgentOptions const& options) {
           }
           try {
             reconciler.apply(loadScenarioFile(options.scenario));
+            ports.sync(reconciler.ports());
           } catch (ScenarioError const& e) {
             std::cerr << program << ": reload refused, still serving the previous state: " << e.what()
                       << std::endl;

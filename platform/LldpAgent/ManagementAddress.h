@@ -39,7 +39,7 @@ struct ManagementAddress {
   ManAddress manAddr;
   ManAddrIfSubtype ifSubtype = ManAddrIfSubtype::unknown;
   std::int32_t ifId = 0;
-  Snmp::ObjectIdentifier oid;
+  ::Snmp::ObjectIdentifier oid;
 
   ManagementAddress() = default;
   // The key's fields, and the others at their defaults.
