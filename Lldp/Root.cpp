@@ -3,7 +3,9 @@
 #include "Root.h"
 
 #include <string>
+#include <utility>
 
+#include "Reactor.h"
 #include "Zet/Exception.h"
 #include "Zet/TextForm.h"
 
@@ -24,6 +26,8 @@ Root::~Root() {
   localPortDelAll();
   localManagementAddressDelAll();
   remoteSystemDelAll();
+  portStatusSmDelAll();
+  lldpSmDel();
 }
 
 template <class Row, class Key, class Inbound>
@@ -62,6 +66,58 @@ Zet::Ptr<LocalManagementAddress> Root::localManagementAddressIs(LocalManagementA
   localManagementAddress_.memberIs(row);
   row->parentIs(this);
   return row;
+}
+
+Zet::Ptr<PortStatusSm> Root::portStatusSmIs(Interface::EthPortId ethPortId,
+                                            Zet::Ptr<Lldp::PortStatus const> const& portStatus,
+                                            Zet::Ptr<Root> const& root) {
+  Ondo::IntfId const intfId = portStatus->intfId();
+  if (auto existing = portStatusSm_[intfId]) {
+    if (existing->ethPortId() != ethPortId) {
+      throwReinstantiating("_ethPortId", Interface::valueToStrep(ethPortId),
+                           Interface::valueToStrep(existing->ethPortId()));
+    }
+    if (existing->portStatus() != portStatus) {
+      throwReinstantiating("_portStatus", Zet::valueToStrep(portStatus), Zet::valueToStrep(existing->portStatus()));
+    }
+    if (existing->root() != root) {
+      throwReinstantiating("_root", Zet::valueToStrep(root), Zet::valueToStrep(existing->root()));
+    }
+    return existing;
+  }
+  auto sm = PortStatusSm::PortStatusSmIs(ethPortId, portStatus, root);
+  portStatusSm_.newMember(intfId, sm);
+  sm->hasNotificationActiveIs(true);
+  return sm;
+}
+
+void Root::portStatusSmDelAll() {
+  // The walk survives the deletion of the member it stands on.
+  for (auto it = portStatusSm_.iterator(); !it.atEnd(); it.advance()) {
+    portStatusSmDel(it.currNodeMaybeStale().first);
+  }
+}
+
+Zet::Ptr<LldpSm> Root::lldpSmIs(Zet::Ptr<Lldp::AllStatus const> const& status,
+                                Zet::Ptr<Lldp::LocalSystem const> const& localSystem,
+                                Zet::Ptr<Lldp::Config const> const& config, Zet::Ptr<Root> const& root) {
+  if (lldpSm_ && lldpSm_->status() == status && lldpSm_->localSystem() == localSystem &&
+      lldpSm_->config() == config && lldpSm_->root() == root) {
+    return lldpSm_;
+  }
+  // WARNING: unlike portStatusSmIs, other arguments replace the reactor
+  // without an exception, and the old one is only released. Keep it so.
+  lldpSm_ = LldpSm::LldpSmIs(status, localSystem, config, root);
+  lldpSm_->hasNotificationActiveIs(true);
+  return lldpSm_;
+}
+
+Zet::Ptr<LldpSm> Root::lldpSmDel() {
+  auto sm = std::exchange(lldpSm_, nullptr);
+  if (sm) {
+    sm->hasNotificationActiveIs(false);
+  }
+  return sm;
 }
 
 }  // namespace Lldp::Snmp

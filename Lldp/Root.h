@@ -8,9 +8,18 @@
 // To add a collection: a map type and a field below, and one line of
 // LLDP_ROOT_ROWS or LLDP_ROOT_VALUES for its operations.
 
+#include "Interface/EthPortId.h"
+#include "LldpAgent/AllStatus.h"
+#include "LldpAgent/Config.h"
+#include "LldpAgent/LocalSystem.h"
+#include "LldpAgent/PortStatus.h"
+#include "LldpSm.h"
 #include "MirrorRows.h"
+#include "Ondo/IntfId.h"
+#include "PortStatusSm.h"
 #include "RemoteRecords.h"
 #include "Zet/Entity.h"
+#include "Zet/HashMap.h"
 #include "Zet/RbTreeMap.h"
 
 #include <type_traits>
@@ -109,6 +118,31 @@ class Root : public Zet::Entity {
   LLDP_ROOT_VALUES(LLDP_ROOT_VALUE_OPERATIONS)
 #undef LLDP_ROOT_VALUE_OPERATIONS
 
+  // The reactors the Root owns. The host makes one PortStatusSm per port it
+  // numbers, keyed by the port's name, and calls doClose() on it before
+  // portStatusSmDel: removing a reactor leaves its neighbours' rows behind.
+  using PortStatusSms = Zet::HashMap<Ondo::IntfId, PortStatusSm>;
+  // The reactor of `portStatus`'s port, made if there is none; raises the
+  // name-in-use exception when the one there has other parameters.
+  Zet::Ptr<PortStatusSm> portStatusSmIs(Interface::EthPortId ethPortId,
+                                        Zet::Ptr<Lldp::PortStatus const> const& portStatus,
+                                        Zet::Ptr<Root> const& root);
+  Zet::Ptr<PortStatusSm> portStatusSm(Ondo::IntfId const& intfId) const { return portStatusSm_[intfId]; }
+  // Takes the reactor out, nothing more: no doClose(), no deactivation.
+  Zet::Ptr<PortStatusSm> portStatusSmDel(Ondo::IntfId const& intfId) { return portStatusSm_.deleteMember(intfId); }
+  void portStatusSmDelAll();
+  void portStatusSmNotify(Ondo::IntfId const&) {}
+  PortStatusSms const& portStatusSm() const { return portStatusSm_; }
+
+  // The same four arguments give the reactor there back; other arguments
+  // replace it without a word, and the old one is only released, not switched off.
+  Zet::Ptr<LldpSm> lldpSmIs(Zet::Ptr<Lldp::AllStatus const> const& status,
+                            Zet::Ptr<Lldp::LocalSystem const> const& localSystem,
+                            Zet::Ptr<Lldp::Config const> const& config, Zet::Ptr<Root> const& root);
+  // Takes the reactor out and deactivates it; null when there was none.
+  Zet::Ptr<LldpSm> lldpSmDel();
+  Zet::Ptr<LldpSm> const& lldpSm() const { return lldpSm_; }
+
  private:
   explicit Root(Zet::Name name) : name_(std::move(name)) {}
 
@@ -171,6 +205,9 @@ class Root : public Zet::Entity {
   ValueMap<ZetRemotePortAndProtocolVlan> remotePortAndProtocolVlan_;
   ValueMap<ZetRemoteVlanName> remoteVlanName_;
   ValueMap<ZetRemoteProtocolIdentityInfo> remoteProtocolIdentityInfo_;
+  // The reactors' map last: it is the first member to go.
+  Zet::Ptr<LldpSm> lldpSm_;
+  PortStatusSms portStatusSm_{4};
 };
 
 // What the reflective construction calls; the same as Root::RootIs.

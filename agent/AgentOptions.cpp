@@ -40,12 +40,20 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
       ->type_name("FILE");
   app.add_option("--persistent-dir", o.persistentDir, "Directory for net-snmp's persistent state")
       ->type_name("DIR");
+  bool noNotifications = false;
+  app.add_flag("--no-notifications", noNotifications, "Send no notifications (lldpRemTablesChange)");
+  app.add_option("--notification-delay", o.notificationDelay,
+                 "Hold each lldpRemTablesChange notification back this long before it is sent")
+      ->check(CLI::NonNegativeNumber.description(""))
+      ->type_name("SECONDS")
+      ->capture_default_str();
   try {
     app.parse(argc, argv);
   } catch (CLI::ParseError const& e) {
     // CLI11 numbers its errors; a usage error is 2 whatever its kind, as for other tools.
     return {std::nullopt, app.exit(e) == 0 ? 0 : 2};
   }
+  o.notifications = !noNotifications;
   if (agentxOption->count() > 0) {
     o.agentx = agentx;
   }

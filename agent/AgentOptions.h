@@ -14,6 +14,8 @@ struct AgentOptions {
   std::string trace;                   // "Snmp=2,LldpSnmp=8"
   std::string ringlog;                 // where the ring log is written at exit and on SIGUSR1
   std::string persistentDir;           // net-snmp's persistent state; empty: net-snmp's default
+  bool notifications = true;           // false: no notification goes out (--no-notifications)
+  double notificationDelay = 0.0;      // seconds lldpRemTablesChange is held back before it is sent
 };
 
 // Parses the command line. Returns the options, or the exit code when the

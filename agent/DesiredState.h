@@ -5,11 +5,15 @@
 //
 // Times are seconds since the agent's start (the uptime origin), not stamps on
 // the clock, so that a snapshot yields the same TimeTicks in every run.
-// Defaults are those of the entities the values end up in. Within each
+// Defaults are those of the entities the values end up in. What an LLDP agent
+// keeps by itself (the remote tables' counters and change times) is optional:
+// left empty, the Reconciler works it out from what the snapshot changed; given,
+// it is served as given. Within each
 // collection the keys are unique, and every priority names an address of its
 // local system; the feeds see to both.
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "Bridging/VlanId.h"
@@ -41,13 +45,15 @@ struct DesiredConfig {
   friend bool operator==(DesiredConfig const&, DesiredConfig const&) = default;
 };
 
-// The counters of Lldp::AllStatus.
+// The counters of Lldp::AllStatus. Empty: the change time moves to the moment
+// of an apply that changed the remote tables, inserts and deletes count the
+// neighbours that came and went, drops and ageouts keep their value.
 struct DesiredStatus {
-  double remTablesLastChangeTime = 0.0;  // seconds since start
-  std::uint32_t remTablesInserts = 0;
-  std::uint32_t remTablesDeletes = 0;
-  std::uint32_t remTablesDrops = 0;
-  std::uint32_t remTablesAgeouts = 0;
+  std::optional<double> remTablesLastChangeTime;  // seconds since start
+  std::optional<std::uint32_t> remTablesInserts;
+  std::optional<std::uint32_t> remTablesDeletes;
+  std::optional<std::uint32_t> remTablesDrops;
+  std::optional<std::uint32_t> remTablesAgeouts;
 
   friend bool operator==(DesiredStatus const&, DesiredStatus const&) = default;
 };
@@ -99,7 +105,9 @@ struct DesiredNeighbor {
   Lldp::PowerViaMdiInfo powerViaMdiInfo;
   bool maximumFrameSizeTlvReceived = false;
   std::uint16_t maximumFrameSizeInfo = 0;
-  double lastChangeTime = 0.0;  // seconds since start; lldpRemTimeMark
+  // Seconds since start; lldpRemTimeMark. Empty: the moment of the apply that
+  // brought the neighbour or last changed it.
+  std::optional<double> lastChangeTime;
 
   friend bool operator==(DesiredNeighbor const&, DesiredNeighbor const&) = default;
 };

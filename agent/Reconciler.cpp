@@ -12,17 +12,29 @@
 #include "Statebase/Statebase.h"
 #include "Zet/Assert.h"
 #include "Zet/Entity.h"
+#include "Zet/System.h"
 
 namespace {
 
 // Snapshots count seconds from the agent's start; entities hold stamps on the clock.
 double stampOf(double secondsSinceStart) { return Snmp::uptimeOrigin() + secondsSinceStart; }
 
+// Writes `wanted` when the entity holds another value; true when it did.
+template <class Entity, class T>
+bool update(Entity& entity, T (Entity::*get)() const, void (Entity::*set)(T const&), T const& wanted) {
+  if ((entity.*get)() == wanted) {
+    return false;
+  }
+  (entity.*set)(wanted);
+  return true;
+}
+
 // Makes a keyed record collection hold exactly `desired`: the entries whose key
 // is gone leave first, then every desired record is written. The entity drops a
-// write of the value it holds, so an unchanged entry is not announced.
+// write of the value it holds, so an unchanged entry is not announced. True
+// when anything differed.
 template <class Entries, class Record, class Del, class Is>
-void syncRecords(Entries const& present, std::vector<Record> const& desired, Del const& del, Is const& is) {
+bool syncRecords(Entries const& present, std::vector<Record> const& desired, Del const& del, Is const& is) {
   using Key = typename Entries::key_type;
   std::unordered_set<Key> wanted;
   for (Record const& record : desired) {
@@ -37,9 +49,13 @@ void syncRecords(Entries const& present, std::vector<Record> const& desired, Del
   for (Key const& key : stale) {
     del(key);
   }
+  bool changed = !stale.empty();
   for (Record const& record : desired) {
+    auto const it = present.find(Key(Lldp::recordKey(record)));
+    changed = changed || it == present.end() || !(it->second == record);
     is(record);
   }
+  return changed;
 }
 
 void unmountIfOurs(char const* path, Zet::Ptr<Zet::Entity> const& entity) {
@@ -71,7 +87,11 @@ void Reconciler::apply(DesiredState const& state) {
     config_ = Zet::makePtr<Lldp::Config>();
     status_ = Zet::makePtr<Lldp::AllStatus>();
     localSystem_ = Zet::makePtr<Lldp::LocalSystem>();
+    // No change yet: sysUpTime 0, not a stamp from before the agent started.
+    status_->remTablesLastChangeTimeIs(stampOf(0.0));
   }
+  RemoteChanges changes;
+  changes.now = Zet::System::currentTime();
 
   config_->messageTxIntervalIs(state.config.messageTxInterval);
   config_->messageTxHoldIs(state.config.messageTxHold);
@@ -81,7 +101,7 @@ void Reconciler::apply(DesiredState const& state) {
   applyLocalSystem(state.localSystem);
 
   // Removals first, so that a number or name that moves to another port is free when it arrives.
-  removeStalePorts(state.ports);
+  removeStalePorts(state.ports, changes);
   std::unordered_map<Ondo::IntfId, PortEntry*> kept;
   for (PortEntry& entry : ports_) {
     kept.emplace(entry.port.name, &entry);
@@ -90,21 +110,16 @@ void Reconciler::apply(DesiredState const& state) {
   ordered.reserve(state.ports.size());
   for (DesiredPort const& desired : state.ports) {
     if (auto const it = kept.find(desired.name); it != kept.end()) {
-      applyPort(*it->second, desired);
+      applyPort(*it->second, desired, changes);
       ordered.push_back(std::move(*it->second));
       kept.erase(it);
     } else {
-      ordered.push_back(makePort(desired));
+      ordered.push_back(makePort(desired, changes));
     }
   }
   ports_ = std::move(ordered);
 
-  status_->remTablesInsertsIs(state.status.remTablesInserts);
-  status_->remTablesDeletesIs(state.status.remTablesDeletes);
-  status_->remTablesDropsIs(state.status.remTablesDrops);
-  status_->remTablesAgeoutsIs(state.status.remTablesAgeouts);
-  // Last: whoever wakes on the change time finds the tables and counters it announces.
-  status_->remTablesLastChangeTimeIs(stampOf(state.status.remTablesLastChangeTime));
+  applyStatus(state.status, changes);
 
   if (first) {
     Statebase::entityIs(configPath, config_);
@@ -147,7 +162,21 @@ void Reconciler::applyLocalSystem(DesiredLocalSystem const& desired) {
   }
 }
 
-void Reconciler::removeStalePorts(std::vector<DesiredPort> const& desired) {
+void Reconciler::applyStatus(DesiredStatus const& desired, RemoteChanges const& changes) {
+  Lldp::AllStatus& status = *status_;
+  status.remTablesInsertsIs(desired.remTablesInserts.value_or(status.remTablesInserts() + changes.inserts));
+  status.remTablesDeletesIs(desired.remTablesDeletes.value_or(status.remTablesDeletes() + changes.deletes));
+  status.remTablesDropsIs(desired.remTablesDrops.value_or(status.remTablesDrops()));
+  status.remTablesAgeoutsIs(desired.remTablesAgeouts.value_or(status.remTablesAgeouts()));
+  // Last: whoever wakes on the change time finds the tables and counters it announces.
+  if (desired.remTablesLastChangeTime) {
+    status.remTablesLastChangeTimeIs(stampOf(*desired.remTablesLastChangeTime));
+  } else if (changes.any) {
+    status.remTablesLastChangeTimeIs(changes.now);
+  }
+}
+
+void Reconciler::removeStalePorts(std::vector<DesiredPort> const& desired, RemoteChanges& changes) {
   std::unordered_map<Ondo::IntfId, Interface::EthPortId> numbers;
   for (DesiredPort const& port : desired) {
     numbers.emplace(port.name, port.number);
@@ -159,13 +188,22 @@ void Reconciler::removeStalePorts(std::vector<DesiredPort> const& desired) {
     if (it != numbers.end() && it->second == entry.port.number) {
       return false;
     }
+    // Its neighbours go with it, as they do when a port goes down.
+    changes.deletes += static_cast<std::uint32_t>(entry.neighbors.size());
+    changes.any = changes.any || !entry.neighbors.empty();
+    if (portObserver_) {
+      portObserver_->onPortLeaving(entry.port);
+    }
     status_->portStatusDel(entry.port.name);
     localSystem_->localPortDel(entry.port.name);
+    if (portObserver_) {
+      portObserver_->onPortLeft(entry.port);
+    }
     return true;
   });
 }
 
-Reconciler::PortEntry Reconciler::makePort(DesiredPort const& desired) {
+Reconciler::PortEntry Reconciler::makePort(DesiredPort const& desired, RemoteChanges& changes) {
   PortEntry entry;
   entry.port.name = desired.name;
   entry.port.number = desired.number;
@@ -173,13 +211,16 @@ Reconciler::PortEntry Reconciler::makePort(DesiredPort const& desired) {
   entry.port.portStatus = Zet::makePtr<Lldp::PortStatus>(desired.name);
   entry.port.localPort = Zet::makePtr<Lldp::LocalPort>(desired.name);
   // Complete before it is published, so that a reader sees the port whole at once.
-  applyPort(entry, desired);
+  applyPort(entry, desired, changes);
   status_->portStatusIs(entry.port.portStatus);
   localSystem_->localPortIs(entry.port.localPort);
+  if (portObserver_) {
+    portObserver_->onPortJoined(entry.port);
+  }
   return entry;
 }
 
-void Reconciler::applyPort(PortEntry& entry, DesiredPort const& desired) {
+void Reconciler::applyPort(PortEntry& entry, DesiredPort const& desired, RemoteChanges& changes) {
   Lldp::PortConfig& config = *entry.port.portConfig;
   config.adminStatusIs(desired.config.adminStatus);
   config.enabledTlvsIs(desired.config.enabledTlvs);
@@ -205,10 +246,11 @@ void Reconciler::applyPort(PortEntry& entry, DesiredPort const& desired) {
   status.rxTLVsUnrecognizedTotalIs(desired.portStatus.rxTLVsUnrecognizedTotal);
   status.rxAgeoutsTotalIs(desired.portStatus.rxAgeoutsTotal);
 
-  applyNeighbors(entry, desired.neighbors);
+  applyNeighbors(entry, desired.neighbors, changes);
 }
 
-void Reconciler::applyNeighbors(PortEntry& entry, std::vector<DesiredNeighbor> const& desired) {
+void Reconciler::applyNeighbors(PortEntry& entry, std::vector<DesiredNeighbor> const& desired,
+                                RemoteChanges& changes) {
   Lldp::PortStatus& status = *entry.port.portStatus;
   std::unordered_map<std::int32_t, DesiredNeighbor const*> wanted;
   for (DesiredNeighbor const& neighbor : desired) {
@@ -224,60 +266,79 @@ void Reconciler::applyNeighbors(PortEntry& entry, std::vector<DesiredNeighbor> c
     }
     status.remoteSystemByMsapDel(neighbor->msap());
     status.remoteSystemDel(index);
+    ++changes.deletes;
+    changes.any = true;
     return true;
   });
   for (DesiredNeighbor const& neighbor : desired) {
     if (auto const it = entry.neighbors.find(neighbor.index); it != entry.neighbors.end()) {
-      applyNeighbor(*it->second, neighbor);
+      bool const changed = applyNeighbor(*it->second, neighbor, false, changes.now);
+      changes.any = changes.any || changed;
       continue;
     }
     auto const added = Zet::makePtr<Lldp::RemoteSystem>(neighbor.index, neighbor.msap);
     // Filled first: a new neighbour's collections are copied once, when it arrives.
-    applyNeighbor(*added, neighbor);
+    applyNeighbor(*added, neighbor, true, changes.now);
+    ++changes.inserts;
+    changes.any = true;
     status.remoteSystemIs(added);
     status.remoteSystemByMsapIs(added);
     entry.neighbors.emplace(neighbor.index, added);
   }
 }
 
-void Reconciler::applyNeighbor(Lldp::RemoteSystem& neighbor, DesiredNeighbor const& desired) const {
-  neighbor.portDescIs(desired.portDesc);
-  neighbor.sysNameIs(desired.sysName);
-  neighbor.sysDescIs(desired.sysDesc);
-  neighbor.sysCapSupportedIs(desired.sysCapSupported);
-  neighbor.sysCapEnabledIs(desired.sysCapEnabled);
-  syncRecords(
+bool Reconciler::applyNeighbor(Lldp::RemoteSystem& neighbor, DesiredNeighbor const& desired, bool arriving,
+                               double now) const {
+  using R = Lldp::RemoteSystem;
+  bool changed = arriving;
+  // `|=`, not `||`: every write is made, whatever changed before it.
+  changed |= update(neighbor, &R::portDesc, &R::portDescIs, desired.portDesc);
+  changed |= update(neighbor, &R::sysName, &R::sysNameIs, desired.sysName);
+  changed |= update(neighbor, &R::sysDesc, &R::sysDescIs, desired.sysDesc);
+  changed |= update(neighbor, &R::sysCapSupported, &R::sysCapSupportedIs, desired.sysCapSupported);
+  changed |= update(neighbor, &R::sysCapEnabled, &R::sysCapEnabledIs, desired.sysCapEnabled);
+  changed |= syncRecords(
       neighbor.managementAddress(), desired.managementAddress,
       [&](auto const& key) { neighbor.managementAddressDel(key); },
       [&](auto const& record) { neighbor.managementAddressIs(record); });
-  syncRecords(
+  changed |= syncRecords(
       neighbor.unknownTlv(), desired.unknownTlv, [&](auto const& key) { neighbor.unknownTlvDel(key); },
       [&](auto const& record) { neighbor.unknownTlvIs(record); });
-  syncRecords(
+  changed |= syncRecords(
       neighbor.unknownOrgDefTlv(), desired.unknownOrgDefTlv,
       [&](auto const& key) { neighbor.unknownOrgDefTlvDel(key); },
       [&](auto const& record) { neighbor.unknownOrgDefTlvIs(record); });
-  neighbor.portVlanIdTlvReceivedIs(desired.portVlanIdTlvReceived);
-  neighbor.portVlanIdIs(desired.portVlanId);
-  syncRecords(
+  changed |= update(neighbor, &R::portVlanIdTlvReceived, &R::portVlanIdTlvReceivedIs, desired.portVlanIdTlvReceived);
+  changed |= update(neighbor, &R::portVlanId, &R::portVlanIdIs, desired.portVlanId);
+  changed |= syncRecords(
       neighbor.portAndProtocolVlan(), desired.portAndProtocolVlan,
       [&](auto const& key) { neighbor.portAndProtocolVlanDel(key); },
       [&](auto const& record) { neighbor.portAndProtocolVlanIs(record); });
-  syncRecords(
+  changed |= syncRecords(
       neighbor.vlanName(), desired.vlanName, [&](auto const& key) { neighbor.vlanNameDel(key); },
       [&](auto const& record) { neighbor.vlanNameIs(record); });
-  syncRecords(
+  changed |= syncRecords(
       neighbor.protocolIdentityInfo(), desired.protocolIdentityInfo,
       [&](auto const& key) { neighbor.protocolIdentityInfoDel(key); },
       [&](auto const& record) { neighbor.protocolIdentityInfoIs(record); });
-  neighbor.linkAggregationTlvReceivedIs(desired.linkAggregationTlvReceived);
-  neighbor.linkAggregationInfoIs(desired.linkAggregationInfo);
-  neighbor.macPhyConfigStatusTlvReceivedIs(desired.macPhyConfigStatusTlvReceived);
-  neighbor.macPhyConfigStatusInfoIs(desired.macPhyConfigStatusInfo);
-  neighbor.powerViaMdiTlvReceivedIs(desired.powerViaMdiTlvReceived);
-  neighbor.powerViaMdiInfoIs(desired.powerViaMdiInfo);
-  neighbor.maximumFrameSizeTlvReceivedIs(desired.maximumFrameSizeTlvReceived);
-  neighbor.maximumFrameSizeInfoIs(desired.maximumFrameSizeInfo);
+  changed |= update(neighbor, &R::linkAggregationTlvReceived, &R::linkAggregationTlvReceivedIs,
+                    desired.linkAggregationTlvReceived);
+  changed |= update(neighbor, &R::linkAggregationInfo, &R::linkAggregationInfoIs, desired.linkAggregationInfo);
+  changed |= update(neighbor, &R::macPhyConfigStatusTlvReceived, &R::macPhyConfigStatusTlvReceivedIs,
+                    desired.macPhyConfigStatusTlvReceived);
+  changed |= update(neighbor, &R::macPhyConfigStatusInfo, &R::macPhyConfigStatusInfoIs,
+                    desired.macPhyConfigStatusInfo);
+  changed |= update(neighbor, &R::powerViaMdiTlvReceived, &R::powerViaMdiTlvReceivedIs,
+                    desired.powerViaMdiTlvReceived);
+  changed |= update(neighbor, &R::powerViaMdiInfo, &R::powerViaMdiInfoIs, desired.powerViaMdiInfo);
+  changed |= update(neighbor, &R::maximumFrameSizeTlvReceived, &R::maximumFrameSizeTlvReceivedIs,
+                    desired.maximumFrameSizeTlvReceived);
+  changed |= update(neighbor, &R::maximumFrameSizeInfo, &R::maximumFrameSizeInfoIs, desired.maximumFrameSizeInfo);
   // Last: the time filter reads it as the moment the rest changed.
-  neighbor.lastChangeTimeIs(stampOf(desired.lastChangeTime));
+  if (desired.lastChangeTime) {
+    changed |= update(neighbor, &R::lastChangeTime, &R::lastChangeTimeIs, stampOf(*desired.lastChangeTime));
+  } else if (changed) {
+    neighbor.lastChangeTimeIs(now);
+  }
+  return changed;
 }

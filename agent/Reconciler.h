@@ -4,6 +4,13 @@
 // makes them match the snapshot by writing only what differs, in the order
 // the plug-in's reactors need (an address before its priority, a priority gone
 // before its address, a replaced neighbour as a removal and then an insertion).
+// As an LLDP agent would, it counts the neighbours that come and go, stamps a
+// neighbour's lastChangeTime when it arrives or changes, and moves
+// remTablesLastChangeTime, written last, when the remote tables changed at all;
+// a value that the snapshot gives is served as given instead.
+//
+// A snapshot does not tell a neighbour that aged out from one that withdrew,
+// so every neighbour that goes counts as a delete, never as an ageout.
 
 #include <cstdint>
 #include <unordered_map>
@@ -37,6 +44,18 @@ class Reconciler {
     Zet::Ptr<Lldp::LocalPort> localPort;
   };
 
+  // Told of each port that joins or leaves during an apply, at the moments the
+  // plug-in's host must act: a leaving port while it is still whole (in
+  // localPort and in the status, with all its neighbours listed), again once
+  // it has left both; a joining port once it is complete and in both.
+  class PortObserver {
+   public:
+    virtual ~PortObserver() = default;
+    virtual void onPortLeaving(Port const& port) = 0;
+    virtual void onPortLeft(Port const& port) = 0;
+    virtual void onPortJoined(Port const& port) = 0;
+  };
+
   Reconciler() = default;
   // Unmounts the three entities, if they are still the ones this mounted.
   ~Reconciler();
@@ -45,7 +64,12 @@ class Reconciler {
 
   // Makes the state match `state`. Times in `state` are seconds since the
   // uptime origin (Snmp::uptimeOrigin()), which must be set before.
+  // Raises nothing of its own; what an observer raises passes out, with the
+  // state as far as it had got.
   void apply(DesiredState const& state);
+
+  // Null for none. Not owned: it must stay until it is replaced or this goes.
+  void portObserverIs(PortObserver* observer) { portObserver_ = observer; }
 
   // Null before the first apply.
   Zet::Ptr<Lldp::Config> config() const { return config_; }
@@ -61,15 +85,27 @@ class Reconciler {
     std::unordered_map<std::int32_t, Zet::Ptr<Lldp::RemoteSystem>> neighbors;
   };
 
+  // What one apply did to the remote tables.
+  struct RemoteChanges {
+    double now = 0.0;  // the one stamp of the apply
+    std::uint32_t inserts = 0;
+    std::uint32_t deletes = 0;
+    bool any = false;
+  };
+
   void applyLocalSystem(DesiredLocalSystem const& desired);
-  void removeStalePorts(std::vector<DesiredPort> const& desired);
-  void applyPort(PortEntry& entry, DesiredPort const& desired);
-  PortEntry makePort(DesiredPort const& desired);
-  void applyNeighbors(PortEntry& entry, std::vector<DesiredNeighbor> const& desired);
-  void applyNeighbor(Lldp::RemoteSystem& neighbor, DesiredNeighbor const& desired) const;
+  void removeStalePorts(std::vector<DesiredPort> const& desired, RemoteChanges& changes);
+  void applyPort(PortEntry& entry, DesiredPort const& desired, RemoteChanges& changes);
+  PortEntry makePort(DesiredPort const& desired, RemoteChanges& changes);
+  void applyNeighbors(PortEntry& entry, std::vector<DesiredNeighbor> const& desired, RemoteChanges& changes);
+  // True when the neighbour differs from before; `arriving` for a new one.
+  bool applyNeighbor(Lldp::RemoteSystem& neighbor, DesiredNeighbor const& desired, bool arriving,
+                     double now) const;
+  void applyStatus(DesiredStatus const& desired, RemoteChanges const& changes);
 
   Zet::Ptr<Lldp::Config> config_;
   Zet::Ptr<Lldp::AllStatus> status_;
   Zet::Ptr<Lldp::LocalSystem> localSystem_;
   std::vector<PortEntry> ports_;
+  PortObserver* portObserver_ = nullptr;
 };

@@ -15,8 +15,11 @@
 #include "Ringlog/Ringlog.h"
 #include "Scenario.h"
 #include "Signals.h"
+#include "Snmp/Config.h"
 #include "Snmp/Conversions.h"
+#include "Snmp/SnmpUtil.h"
 #include "SnmpAgent.h"
+#include "Statebase/Statebase.h"
 #include "Zet/Trace.h"
 
 namespace {
@@ -39,11 +42,21 @@ int run(AgentOptions const& options) {
   Signals signals;
   SnmpAgent agent(options);
   Snmp::uptimeOriginIs(SnmpAgent::uptimeOrigin());
+  // The plug-in's notification must be registered before any change can raise it.
+  auto const snmpConfig = Zet::makePtr<Snmp::Config>();
+  auto const lldpNotifications = snmpConfig->notificationConfigIs("lldp");
+  lldpNotifications->notificationIs("lldpRemTablesChange");
+  lldpNotifications->delayIs({"lldpRemTablesChange"}, options.notificationDelay);
+  if (!options.notifications) {
+    snmpConfig->notificationsEnabledIs(false, "notifications turned off with --no-notifications");
+  }
+  Statebase::entityIs(SnmpUtil::snmpConfigPath, snmpConfig);
   Reconciler reconciler;
   reconciler.apply(state);
-  // The tables find the mirror at registration, so it comes before the plug-in's modules.
+  // The tables find the mirror at registration, and the LldpSm hands it over at
+  // its first scan: both come before the plug-in's modules.
   PortDriver ports;
-  ports.sync(reconciler.ports());
+  ports.follow(reconciler);
   Plugin plugin(options.plugin.empty() ? Plugin::defaultPath() : options.plugin);
   plugin.initModules("");
   agent.start();
@@ -62,8 +75,8 @@ int run(AgentOptions const& options) {
             break;  // the demo has nothing to re-read
           }
           try {
+            // Read whole before anything is written; the driver follows the ports inside the apply.
             reconciler.apply(loadScenarioFile(options.scenario));
-            ports.sync(reconciler.ports());
           } catch (ScenarioError const& e) {
             std::cerr << program << ": reload refused, still serving the previous state: " << e.what()
                       << std::endl;

@@ -7,6 +7,8 @@
 
 namespace Zet {
 
+struct ZetType;
+
 class Entity : public PtrInterface {
  public:
   class NotifieeConst : public PtrInterface::NotifieeConst {};
@@ -24,6 +26,14 @@ class Entity : public PtrInterface {
 
   virtual void nameIsFromBackup(Name const&) {}
   virtual bool hasBackupSupport() const { return false; }
+
+  // Process-wide singletons, one per name (by convention the demangled name of
+  // their type); they live until the process ends.
+  // The singleton called `name`, or null when none has been made.
+  static Ptr<Entity> singletonExists(Name const& name);
+  // Makes the singleton `name` from `type`'s description, unless it exists;
+  // gives the one that stands either way.
+  static Ptr<Entity> singletonIs(ZetType const* type, Name const& name);
 
  protected:
   // Text may refer to an entity by its address (Zet::sequenceToValueOfPtr).

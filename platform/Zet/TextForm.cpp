@@ -3,11 +3,11 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
-#include <cxxabi.h>
 #include <memory>
 #include <system_error>
 
 #include "Zet/Assert.h"
+#include "Zet/Demangle.h"
 
 namespace Zet {
 
@@ -206,12 +206,7 @@ String valueToStrepOfRawPtr(void const* object, std::string_view type) {
   return format("Ref('%s', %s)", type, object);
 }
 
-std::string typeName(std::type_info const& type) {
-  int status = 0;
-  std::unique_ptr<char, decltype(&std::free)> const demangled(
-      abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), &std::free);
-  return (status == 0 && demangled) ? std::string(demangled.get()) : std::string(type.name());
-}
+std::string typeName(std::type_info const& type) { return demangle(type).stdString(); }
 
 void needString(TextPos& pos, TextPos const& end, std::string_view token) {
   if (!std::string_view(std::to_address(pos), end - pos).starts_with(token)) {

@@ -18,6 +18,7 @@
 #include "Snmp/Conversions.h"
 #include "Statebase/Statebase.h"
 #include "Zet/Ptr.h"
+#include "Zet/System.h"
 
 namespace {
 
@@ -49,6 +50,8 @@ class StatusWatcher : public Lldp::AllStatus::NotifieeConst {
     log_.push_back("remTablesLastChangeTime " + text(status().remTablesLastChangeTime() - origin));
   }
   void onRemTablesInserts() override { log_.push_back("remTablesInserts " + text(status().remTablesInserts())); }
+  void onRemTablesDeletes() override { log_.push_back("remTablesDeletes " + text(status().remTablesDeletes())); }
+  void onRemTablesAgeouts() override { log_.push_back("remTablesAgeouts " + text(status().remTablesAgeouts())); }
   void onPortStatus(Ondo::IntfId const& id) override {
     log_.push_back("portStatus " + text(id) + (status().portStatusHas(id) ? " present" : " absent"));
   }
@@ -445,6 +448,220 @@ TEST_F(ReconcilerTest, DestructionUnmountsOnlyWhatItMounted) {
   }
   EXPECT_TRUE(Statebase::entity(Reconciler::statusPath) == other);
   Statebase::entityDel(Reconciler::statusPath);
+}
+
+// The same ports and neighbours with nothing an LLDP agent keeps by itself: no
+// counters, no change times.
+constexpr char const* plainJson = R"({
+  "ports": [
+    {"name": "e1", "neighbors": [
+       {"index": 1, "msap": {"chassisId": "alpha"}, "sysName": "alpha", "vlanName": [{"vlanId": 10, "vlanName": "ten"}]},
+       {"index": 2, "msap": {"chassisId": "beta"}, "sysName": "beta"}]},
+    {"name": "e2", "neighbors": [{"msap": {"chassisId": "gamma"}, "sysName": "gamma"}]}]})";
+
+// The reconciler as an LLDP agent: counters and change times on a clock that
+// the test moves. Times are given as uptime seconds.
+class ReconcilerAgentTimes : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    Snmp::uptimeOriginIs(origin);
+    Zet::System::currentTimeSourceIs([this] { return origin + uptime_; });
+  }
+  void TearDown() override {
+    Zet::System::currentTimeSourceIs({});
+    Snmp::uptimeOriginIs(0.0);
+  }
+
+  void applyAt(double uptime, DesiredState const& state) {
+    uptime_ = uptime;
+    reconciler_.apply(state);
+  }
+  double changeTime() const { return reconciler_.status()->remTablesLastChangeTime() - origin; }
+  std::uint32_t inserts() const { return reconciler_.status()->remTablesInserts(); }
+  std::uint32_t deletes() const { return reconciler_.status()->remTablesDeletes(); }
+  double changeTimeOf(char const* port, std::int32_t index) const {
+    auto const neighbor = neighborOf(reconciler_, port, index);
+    return neighbor ? neighbor->lastChangeTime() - origin : -1.0;
+  }
+
+  DesiredState const plain_ = parseScenario(plainJson, "plain.json");
+  Reconciler reconciler_;
+
+ private:
+  double uptime_ = 0.0;
+};
+
+TEST_F(ReconcilerAgentTimes, FirstApplyInsertsEveryNeighbourNow) {
+  applyAt(2.0, plain_);
+  EXPECT_EQ(inserts(), 3u);
+  EXPECT_EQ(deletes(), 0u);
+  EXPECT_DOUBLE_EQ(changeTime(), 2.0);
+  EXPECT_DOUBLE_EQ(changeTimeOf("e1", 1), 2.0);
+  EXPECT_DOUBLE_EQ(changeTimeOf("e2", 1), 2.0);
+}
+
+TEST_F(ReconcilerAgentTimes, WithoutNeighboursTheTablesLastChangedAtTheStart) {
+  applyAt(2.0, parseScenario(R"({"ports": [{"name": "e1"}]})", "empty.json"));
+  EXPECT_EQ(inserts(), 0u);
+  EXPECT_DOUBLE_EQ(changeTime(), 0.0);
+}
+
+TEST_F(ReconcilerAgentTimes, NeighboursThatComeAndGoAreCounted) {
+  applyAt(2.0, plain_);
+  // beta goes, alpha is replaced under its index, e2 goes with gamma, e3 comes with delta.
+  DesiredState next = plain_;
+  next.ports[0].neighbors.pop_back();
+  next.ports[0].neighbors[0].msap.chassisId = Lldp::ChassisId(Zet::String("omega"));
+  next.ports[1].name = Ondo::IntfId(Zet::String("e3"));
+  next.ports[1].neighbors[0].msap.chassisId = Lldp::ChassisId(Zet::String("delta"));
+  applyAt(7.0, next);
+
+  EXPECT_EQ(inserts(), 3u + 2u);
+  EXPECT_EQ(deletes(), 3u);
+  EXPECT_EQ(reconciler_.status()->remTablesAgeouts(), 0u);
+  EXPECT_DOUBLE_EQ(changeTime(), 7.0);
+  EXPECT_DOUBLE_EQ(changeTimeOf("e1", 1), 7.0);
+  EXPECT_DOUBLE_EQ(changeTimeOf("e3", 1), 7.0);
+}
+
+TEST_F(ReconcilerAgentTimes, ChangedNeighbourTakesTheTimeOfTheChange) {
+  applyAt(2.0, plain_);
+  DesiredState next = plain_;
+  next.ports[0].neighbors[0].vlanName[0].vlanName = Lldp::BoundedString32(Zet::String("users"));
+  next.ports[1].neighbors[0].sysDesc = Lldp::BoundedString255(Zet::String("a router"));
+  applyAt(7.0, next);
+
+  EXPECT_DOUBLE_EQ(changeTimeOf("e1", 1), 7.0);
+  EXPECT_DOUBLE_EQ(changeTimeOf("e1", 2), 2.0);
+  EXPECT_DOUBLE_EQ(changeTimeOf("e2", 1), 7.0);
+  EXPECT_DOUBLE_EQ(changeTime(), 7.0);
+  EXPECT_EQ(inserts(), 3u);
+  EXPECT_EQ(deletes(), 0u);
+}
+
+TEST_F(ReconcilerAgentTimes, UnchangedSnapshotBumpsNothing) {
+  applyAt(2.0, plain_);
+  Log log;
+  StatusWatcher status(log);
+  NeighborWatcher neighbor(log);
+  attach(status, reconciler_.status());
+  attach(neighbor, neighborOf(reconciler_, "e1", 1));
+
+  // A port's own counters are no part of the remote tables.
+  DesiredState next = plain_;
+  next.ports[0].portStatus.rxFramesTotal = 50;
+  applyAt(9.0, next);
+  EXPECT_EQ(log, Log{});
+  EXPECT_DOUBLE_EQ(changeTime(), 2.0);
+  EXPECT_DOUBLE_EQ(changeTimeOf("e1", 1), 2.0);
+}
+
+TEST_F(ReconcilerAgentTimes, ChangeTimeIsWrittenAfterEverythingElse) {
+  applyAt(2.0, plain_);
+  Log log;
+  StatusWatcher status(log);
+  PortStatusWatcher port(log);
+  attach(status, reconciler_.status());
+  attach(port, reconciler_.ports()[0].portStatus);
+
+  DesiredState next = plain_;
+  next.ports[0].neighbors.pop_back();
+  DesiredNeighbor epsilon;
+  epsilon.index = 3;
+  epsilon.msap.chassisId = Lldp::ChassisId(Zet::String("epsilon"));
+  epsilon.sysName = Lldp::BoundedString255(Zet::String("epsilon"));
+  next.ports[0].neighbors.push_back(epsilon);
+  applyAt(5.0, next);
+
+  EXPECT_EQ(log, (Log{"remoteSystemByMsap beta absent", "remoteSystem 2 absent",
+                      "remoteSystem 3 epsilon vlanNames 0 at 5", "remoteSystemByMsap epsilon present",
+                      "remTablesInserts 4", "remTablesDeletes 1", "remTablesLastChangeTime 5"}));
+}
+
+TEST_F(ReconcilerAgentTimes, GivenValuesAreServedAsGivenAndCountingGoesOnFromThem) {
+  DesiredState pinned = plain_;
+  pinned.status.remTablesLastChangeTime = 1.5;
+  pinned.status.remTablesInserts = 40;
+  pinned.status.remTablesDeletes = 7;
+  pinned.status.remTablesDrops = 1;
+  pinned.status.remTablesAgeouts = 2;
+  pinned.ports[0].neighbors[0].lastChangeTime = 0.5;
+  applyAt(2.0, pinned);
+  EXPECT_DOUBLE_EQ(changeTime(), 1.5);
+  EXPECT_EQ(inserts(), 40u);
+  EXPECT_EQ(deletes(), 7u);
+  EXPECT_EQ(reconciler_.status()->remTablesDrops(), 1u);
+  EXPECT_EQ(reconciler_.status()->remTablesAgeouts(), 2u);
+  EXPECT_DOUBLE_EQ(changeTimeOf("e1", 1), 0.5);
+  EXPECT_DOUBLE_EQ(changeTimeOf("e1", 2), 2.0);
+
+  // Changes under pinned values leave them pinned.
+  DesiredState changed = pinned;
+  changed.ports[0].neighbors[0].sysName = Lldp::BoundedString255(Zet::String("alpha2"));
+  changed.ports[0].neighbors.pop_back();
+  applyAt(4.0, changed);
+  EXPECT_DOUBLE_EQ(changeTime(), 1.5);
+  EXPECT_EQ(deletes(), 7u);
+  EXPECT_DOUBLE_EQ(changeTimeOf("e1", 1), 0.5);
+
+  // Left out again, they count on from where they stood.
+  DesiredState released = changed;
+  released.status = DesiredStatus{};
+  released.ports[1].neighbors.clear();
+  applyAt(6.0, released);
+  EXPECT_DOUBLE_EQ(changeTime(), 6.0);
+  EXPECT_EQ(inserts(), 40u);
+  EXPECT_EQ(deletes(), 8u);
+  EXPECT_EQ(reconciler_.status()->remTablesDrops(), 1u);
+  EXPECT_EQ(reconciler_.status()->remTablesAgeouts(), 2u);
+}
+
+// Logs each call with what the state holds of the port at that moment.
+class PortLog : public Reconciler::PortObserver {
+ public:
+  PortLog(Reconciler const& reconciler, Log& log) : reconciler_(reconciler), log_(log) {}
+  void onPortLeaving(Reconciler::Port const& port) override { log_.push_back("leaving " + seen(port)); }
+  void onPortLeft(Reconciler::Port const& port) override { log_.push_back("left " + seen(port)); }
+  void onPortJoined(Reconciler::Port const& port) override { log_.push_back("joined " + seen(port)); }
+
+ private:
+  std::string seen(Reconciler::Port const& port) const {
+    bool const listed = reconciler_.localSystem()->localPort(port.name) == port.localPort;
+    bool const counted = reconciler_.status()->portStatus(port.name) == port.portStatus;
+    return text(port.name) + " " + text(port.number.value()) + (listed ? " listed" : " unlisted") +
+           (counted ? " counted" : " uncounted") + " neighbours " + text(port.portStatus->remoteSystemCount());
+  }
+
+  Reconciler const& reconciler_;
+  Log& log_;
+};
+
+TEST_F(ReconcilerTest, PortObserverSeesALeavingPortWholeThenGoneAndAJoiningOneComplete) {
+  Reconciler reconciler;
+  reconciler.apply(lab_);
+  Log log;
+  PortLog ports(reconciler, log);
+  reconciler.portObserverIs(&ports);
+
+  // e2 goes, e1 is renumbered, e3 is new with a neighbour.
+  DesiredState next = lab_;
+  next.ports.pop_back();
+  next.ports[0].number = Interface::EthPortId(9);
+  DesiredPort e3;
+  e3.name = Ondo::IntfId(Zet::String("e3"));
+  e3.number = Interface::EthPortId(2);
+  e3.neighbors.push_back(lab_.ports[1].neighbors[0]);
+  next.ports.push_back(e3);
+  reconciler.apply(next);
+
+  EXPECT_EQ(log, (Log{"leaving e1 1 listed counted neighbours 2", "left e1 1 unlisted uncounted neighbours 2",
+                      "leaving e2 2 listed counted neighbours 1", "left e2 2 unlisted uncounted neighbours 1",
+                      "joined e1 9 listed counted neighbours 2", "joined e3 2 listed counted neighbours 1"}));
+
+  reconciler.portObserverIs(nullptr);
+  log.clear();
+  reconciler.apply(lab_);
+  EXPECT_EQ(log, Log{});
 }
 
 }  // namespace

@@ -136,6 +136,12 @@ AgentProcess::~AgentProcess() {
   std::filesystem::remove_all(directory_, ec);
 }
 
+void AgentProcess::sendSignal(int signal) const {
+  if (pid_ > 0) {
+    kill(pid_, signal);
+  }
+}
+
 int AgentProcess::stop(int signal) {
   if (pid_ <= 0) {
     return -1;

@@ -18,6 +18,8 @@ class AgentProcess {
 
   std::string peer() const { return "udp:127.0.0.1:" + std::to_string(port_); }
   int port() const { return port_; }
+  // Sends `signal` and returns at once (SIGHUP: re-read the scenario).
+  void sendSignal(int signal) const;
   // Sends `signal`; waits (bounded) for the process to end and gives its wait status.
   int stop(int signal);
   // What the agent wrote to standard error so far.

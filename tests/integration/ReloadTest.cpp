@@ -1,0 +1,138 @@
+// Re-reading the scenario on SIGHUP, seen over real SNMP: the agent counts
+// the neighbours that come and go as an LLDP agent would, serves the values
+// a file pins exactly, and keeps serving the old state when the new file is
+// refused.
+
+#include <gtest/gtest.h>
+
+#include <net-snmp/net-snmp-config.h>
+#include <net-snmp/net-snmp-includes.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "AgentProcess.h"
+#include "SnmpClient.h"
+
+namespace {
+
+char const* const lastChangeTimeOid = "1.0.8802.1.1.2.1.2.1.0";  // lldpStatsRemTablesLastChangeTime
+char const* const insertsOid = "1.0.8802.1.1.2.1.2.2.0";         // lldpStatsRemTablesInserts
+char const* const deletesOid = "1.0.8802.1.1.2.1.2.3.0";         // lldpStatsRemTablesDeletes
+char const* const dropsOid = "1.0.8802.1.1.2.1.2.4.0";           // lldpStatsRemTablesDrops
+
+// One port; the change time pinned far beyond any run of this test, so that a
+// change time the agent works out at a reload is told apart from it.
+std::string const firstScenario = R"({
+  "status": {"remTablesLastChangeTime": 100000, "remTablesDeletes": 2},
+  "ports": [{"name": "e1", "neighbors": [{"msap": {"chassisId": "alpha"}, "sysName": "alpha"}]}]})";
+// beta arrives; the change time is left to the agent, the drops are pinned.
+std::string const secondScenario = R"({
+  "status": {"remTablesDeletes": 2, "remTablesDrops": 6},
+  "ports": [{"name": "e1", "neighbors": [{"msap": {"chassisId": "alpha"}, "sysName": "alpha"},
+                                         {"msap": {"chassisId": "beta"}, "sysName": "beta"}]}]})";
+
+void writeFile(std::string const& path, std::string const& text) {
+  std::ofstream out(path, std::ios::trunc);
+  out << text;
+}
+
+// Polls `done` every 20 ms, at most 250 times.
+bool waitUntil(std::function<bool()> const& done) {
+  for (int round = 0; round < 250; ++round) {
+    if (done()) {
+      return true;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  return done();
+}
+
+class Reload : public testing::Test {
+ protected:
+  void SetUp() override {
+    directory_ = makeTempDirectory();
+    scenarioPath_ = directory_ + "/lab.json";
+    writeFile(scenarioPath_, firstScenario);
+    agent_ = std::make_unique<AgentProcess>(std::vector<std::string>{"--scenario", scenarioPath_});
+  }
+  void TearDown() override {
+    agent_.reset();
+    std::error_code ec;
+    std::filesystem::remove_all(directory_, ec);
+  }
+
+  // The value of a Gauge32 or TimeTicks scalar; -1 when it cannot be read.
+  long scalar(char const* oid) const {
+    SnmpClient client(agent_->peer(), "public");
+    auto const response = client.get({oid});
+    if (response.timedOut || response.errorStatus != SNMP_ERR_NOERROR || response.varBinds.size() != 1) {
+      return -1;
+    }
+    return response.varBinds[0].integer;
+  }
+
+  void reloadWith(std::string const& text) {
+    writeFile(scenarioPath_, text);
+    agent_->sendSignal(SIGHUP);
+  }
+
+  std::string directory_;
+  std::string scenarioPath_;
+  std::unique_ptr<AgentProcess> agent_;
+};
+
+TEST_F(Reload, ArrivingNeighbourIsCountedAndMovesTheChangeTime) {
+  EXPECT_EQ(scalar(insertsOid), 1);
+  EXPECT_EQ(scalar(deletesOid), 2);
+  EXPECT_EQ(scalar(lastChangeTimeOid), 10000000);
+
+  reloadWith(secondScenario);
+  ASSERT_TRUE(waitUntil([&] { return scalar(insertsOid) == 2; })) << agent_->standardError();
+  EXPECT_EQ(scalar(deletesOid), 2);
+  EXPECT_EQ(scalar(dropsOid), 6);
+  long const changed = scalar(lastChangeTimeOid);
+  EXPECT_GE(changed, 0);
+  EXPECT_LT(changed, 10000000);
+}
+
+TEST_F(Reload, PinnedValuesAreServedExactly) {
+  reloadWith(R"({"status": {"remTablesLastChangeTime": 42.5, "remTablesInserts": 100, "remTablesDeletes": 7},
+                 "ports": [{"name": "e1"}]})");
+  ASSERT_TRUE(waitUntil([&] { return scalar(insertsOid) == 100; })) << agent_->standardError();
+  EXPECT_EQ(scalar(lastChangeTimeOid), 4250);
+  EXPECT_EQ(scalar(deletesOid), 7);
+}
+
+TEST_F(Reload, RefusedFileKeepsTheOldStateAndSaysWhyOnOneLine) {
+  reloadWith(secondScenario);
+  ASSERT_TRUE(waitUntil([&] { return scalar(insertsOid) == 2; })) << agent_->standardError();
+  long const changeTime = scalar(lastChangeTimeOid);
+
+  reloadWith(R"({"ports": [{"name": "e1", "neighbors": [{"vlanName": [{"vlanId": 4095}]}]}]})");
+  std::string const refusal = "lldp-snmp-agent: reload refused, still serving the previous state: " + scenarioPath_ +
+                              ": $.ports[0].neighbors[0].vlanName[0].vlanId: VlanId::value < 1 or > 4094 not allowed\n";
+  ASSERT_TRUE(waitUntil([&] { return agent_->standardError().find(refusal) != std::string::npos; }))
+      << agent_->standardError();
+  EXPECT_EQ(scalar(insertsOid), 2);
+  EXPECT_EQ(scalar(deletesOid), 2);
+  EXPECT_EQ(scalar(dropsOid), 6);
+  EXPECT_EQ(scalar(lastChangeTimeOid), changeTime);
+
+  // Not JSON at all: refused the same way, at the top of the document.
+  reloadWith("{\"ports\": [");
+  ASSERT_TRUE(waitUntil([&] {
+    return agent_->standardError().find("reload refused, still serving the previous state: " + scenarioPath_ +
+                                        ": $: [json.exception.parse_error") != std::string::npos;
+  })) << agent_->standardError();
+  EXPECT_EQ(scalar(insertsOid), 2);
+}
+
+}  // namespace
