@@ -9,10 +9,9 @@
 // leaves with PortStatusSm::doClose() while the port still lists its
 // neighbours (the reactor's removal alone would leave their rows behind), the
 // reactor's and the rows' removal, then handleLocalPort once it has left
-// localPort. A driver that follows the Reconciler is told of each port at
-// those moments, inside the apply.
-
-#include <vector>
+// localPort. The driver follows the Reconciler and is told of each port at
+// those moments, inside the apply: only then can a port that leaves and comes
+// back under its name in one apply be told apart from one that stayed.
 
 #include "LldpSm.h"
 #include "Reconciler.h"
@@ -42,12 +41,6 @@ class PortDriver : private Reconciler::PortObserver {
   // that its applies make join and leave. `reconciler` must outlive this.
   void follow(Reconciler& reconciler);
 
-  // Makes the ports match `ports`, all of them already in the state or gone
-  // from it: ports that went leave, then ports that came join. A port that
-  // went and came back under its name since the last call leaves as if it
-  // were still gone; only a driver that follows is told in time for that.
-  void sync(std::vector<Reconciler::Port> const& ports);
-
  private:
   void onPortLeaving(Reconciler::Port const& port) override;
   void onPortLeft(Reconciler::Port const& port) override;
@@ -56,5 +49,4 @@ class PortDriver : private Reconciler::PortObserver {
   Zet::Ptr<Lldp::Snmp::Root> root_;
   Zet::Ptr<Lldp::Snmp::LldpSm> lldpSm_;
   Reconciler* followed_ = nullptr;
-  std::vector<Reconciler::Port> ports_;
 };

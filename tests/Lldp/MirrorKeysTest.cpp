@@ -1,10 +1,9 @@
 #include "MirrorKeys.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <sstream>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -54,14 +53,13 @@ Key parse(std::string const& text) {
   return Zet::strepToValue<Key>(Zet::String(text));
 }
 
-template <class F>
-std::string rangeMessage(F read) {
-  try {
-    read();
-  } catch (Zet::RangeException const& e) {
-    return e.what();
+// Each key both ways against the next: strictly ascending.
+template <class Key>
+void expectAscending(std::vector<Key> const& keys) {
+  for (std::size_t i = 1; i < keys.size(); ++i) {
+    EXPECT_TRUE(keys[i - 1] < keys[i]) << "before " << keys[i];
+    EXPECT_FALSE(keys[i] < keys[i - 1]) << "before " << keys[i];
   }
-  return "no RangeException";
 }
 
 template <class Key>
@@ -74,34 +72,22 @@ TYPED_TEST_SUITE(MirrorKeyFamily, AllKeys);
 
 TYPED_TEST(MirrorKeyFamily, PortOutranksIndexAndNegativeIndexSortsFirst) {
   using Key = TypeParam;
-  EXPECT_TRUE(at<Key>(1, 5) < at<Key>(2, -3));
-  EXPECT_FALSE(at<Key>(2, -3) < at<Key>(1, 5));
-  EXPECT_TRUE(at<Key>(2, -1) < at<Key>(2, 0));
-  EXPECT_TRUE(at<Key>(2, -1) < at<Key>(2, 1));
-  EXPECT_FALSE(at<Key>(2, 1) < at<Key>(2, -1));
+  expectAscending(std::vector{at<Key>(1, 5), at<Key>(2, -3), at<Key>(2, -1), at<Key>(2, 0), at<Key>(2, 1)});
   EXPECT_FALSE(at<Key>(2, 1) < at<Key>(2, 1));
 }
 
-TYPED_TEST(MirrorKeyFamily, TextReadsBackAsAnEqualKey) {
+TYPED_TEST(MirrorKeyFamily, TextReadsBackAsAnEqualKeyAndNothingElseDoes) {
   using Key = TypeParam;
   Key const key = at<Key>(4094, -2147483647 - 1);
   std::string const text = valueToStrep(key).stdString();
   EXPECT_EQ(parse<Key>(text), key) << text;
   EXPECT_EQ(parse<Key>(valueToStrep(Key()).stdString()), Key());
-  std::ostringstream streamed;
-  streamed << key;
-  EXPECT_EQ(streamed.str(), text);
-}
 
-TYPED_TEST(MirrorKeyFamily, TrailingTextAndForeignTypesAreRefused) {
-  using Key = TypeParam;
-  std::string const text = valueToStrep(sample(std::type_identity<Key>())).stdString();
   EXPECT_THROW(parse<Key>(text + " "), Zet::ParseException);
   EXPECT_THROW(parse<Key>(text.substr(0, text.size() - 1)), Zet::ParseException);
   // Another key's text, even one with the same first fields, is no text of this one.
-  std::string const other = std::is_same_v<Key, RemoteSystemKey>
-                                ? valueToStrep(RemoteUnknownTlvKey()).stdString()
-                                : valueToStrep(RemoteSystemKey()).stdString();
+  std::string const other = std::is_same_v<Key, RemoteSystemKey> ? valueToStrep(RemoteUnknownTlvKey()).stdString()
+                                                                  : valueToStrep(RemoteSystemKey()).stdString();
   EXPECT_THROW(parse<Key>(other), Zet::ParseException);
 }
 
@@ -109,76 +95,39 @@ TYPED_TEST(MirrorKeyFamily, OnlyTheDefaultKeyIsFalse) {
   using Key = TypeParam;
   EXPECT_TRUE(!Key());
   EXPECT_FALSE(!sample(std::type_identity<Key>()));
-  Key withIndex;
-  withIndex.index = -1;
-  EXPECT_FALSE(!withIndex);
-  Key withPort;
-  withPort.ethPortId = EthPortId(1);
-  EXPECT_FALSE(!withPort);
+  EXPECT_FALSE(!at<Key>(0, -1));
+  EXPECT_FALSE(!at<Key>(1, 0));
 }
 
-TEST(MirrorKeys, OrgDefKeysSortByOuiThenSubtypeThenIndex) {
-  auto const key = [](std::uint32_t oui, std::uint32_t subtype, std::int32_t index) {
+// The MIB's index order: U32 fields, the OUI and the VLANs unsigned (VLAN 0,
+// none, first), S32 fields signed; the neighbour outranks them all.
+TEST(MirrorKeys, FurtherFieldsSortInMibOrder) {
+  auto const orgDef = [](std::uint32_t oui, std::uint32_t subtype, std::int32_t index) {
     return RemoteUnknownOrgDefTlvKey(EthPortId(3), 1, Lldp::Oui(oui), subtype, index);
   };
-  // In MIB order: the subtype is unsigned, so its top bit sorts last, while
-  // the TLV index is signed and -1 comes before 1.
-  std::vector<RemoteUnknownOrgDefTlvKey> const ordered{
-      key(0x0012bb, 0x80000000u, 0), key(0x0080c2, 1, -1), key(0x0080c2, 1, 1), key(0x0080c2, 2, -9),
-      key(0x0080c2, 0x80000000u, -9), key(0xffffff, 0, 0)};
-  std::vector<RemoteUnknownOrgDefTlvKey> shuffled(ordered.rbegin(), ordered.rend());
-  std::rotate(shuffled.begin(), shuffled.begin() + 2, shuffled.end());
-  std::sort(shuffled.begin(), shuffled.end());
-  EXPECT_EQ(shuffled, ordered);
-}
-
-TEST(MirrorKeys, UnsignedAndVlanFieldsSortAsUnsigned) {
-  EXPECT_TRUE(RemoteUnknownTlvKey(EthPortId(1), 1, 9) < RemoteUnknownTlvKey(EthPortId(1), 1, 0xffffffffu));
-  auto const protoVlan = [](std::uint16_t vid) {
-    return RemotePortAndProtocolVlanKey(EthPortId(1), 1, Bridging::VlanIdOrNone(vid));
+  expectAscending(std::vector{orgDef(0x0012bb, 0x80000000u, 0), orgDef(0x0080c2, 1, -1), orgDef(0x0080c2, 1, 1),
+                              orgDef(0x0080c2, 2, -9), orgDef(0x0080c2, 0x80000000u, -9), orgDef(0xffffff, 0, 0)});
+  expectAscending(std::vector<RemoteUnknownTlvKey>{{EthPortId(1), 1, 9}, {EthPortId(1), 1, 0xffffffffu}});
+  expectAscending(std::vector<RemoteProtocolIdentityInfoKey>{{EthPortId(1), 1, -1}, {EthPortId(1), 1, 0}});
+  auto const protoVlan = [](std::int32_t index, std::uint16_t vid) {
+    return RemotePortAndProtocolVlanKey(EthPortId(1), index, Bridging::VlanIdOrNone(vid));
   };
-  EXPECT_TRUE(protoVlan(0) < protoVlan(1));
-  EXPECT_TRUE(protoVlan(0) < protoVlan(4094));
-  EXPECT_FALSE(protoVlan(4094) < protoVlan(0));
-  // The neighbour still outranks the VLAN.
-  EXPECT_TRUE(RemotePortAndProtocolVlanKey(EthPortId(1), 0, Bridging::VlanIdOrNone(4094)) < protoVlan(0));
-  EXPECT_TRUE(RemoteVlanNameKey(EthPortId(1), 1, Bridging::VlanId(1)) <
-              RemoteVlanNameKey(EthPortId(1), 1, Bridging::VlanId(4094)));
-  EXPECT_TRUE(RemoteProtocolIdentityInfoKey(EthPortId(1), 1, -1) < RemoteProtocolIdentityInfoKey(EthPortId(1), 1, 0));
-}
-
-TEST(MirrorKeys, ManagementAddressKeysSortBySubtypeThenAddressLength) {
-  auto const key = [](std::int32_t subtype, std::string const& bytes) {
+  expectAscending(std::vector{protoVlan(0, 4094), protoVlan(1, 0), protoVlan(1, 1), protoVlan(1, 4094)});
+  // An address sorts by subtype, then by length, then by its bytes.
+  auto const address = [](std::int32_t subtype, std::string const& bytes) {
     return RemoteManagementAddressKey(EthPortId(1), 1, {subtype, Lldp::ManAddress(Zet::String(bytes))});
   };
-  EXPECT_TRUE(key(1, std::string(16, '\xff')) < key(2, "\x01"));
-  EXPECT_TRUE(key(1, "\xff\xff\xff\xff") < key(1, std::string(5, '\x00')));
-  EXPECT_TRUE(key(1, "\x0a\x00\x00\x01"s) < key(1, "\x0a\x00\x00\x02"s));
-  EXPECT_FALSE(key(1, "\x0a\x00\x00\x01"s) < key(1, "\x0a\x00\x00\x01"s));
+  expectAscending(std::vector{address(1, "\x0a\x00\x00\x01"s), address(1, "\x0a\x00\x00\x02"s),
+                              address(1, "\xff\xff\xff\xff"s), address(1, std::string(5, '\x00')),
+                              address(1, std::string(16, '\xff')), address(2, "\x01"s)});
 }
 
 TEST(MirrorKeys, DefaultsAreTheKeysOwnNotTheInboundRecords) {
   // The inbound TLV key's defaults (subtype 1, index 1) are not this key's.
   EXPECT_FALSE(!RemoteUnknownOrgDefTlvKey(EthPortId(0), 0, Lldp::Oui(0), 1, 1));
-  EXPECT_TRUE(!RemoteUnknownOrgDefTlvKey(EthPortId(0), 0, Lldp::Oui(0), 0, 0));
   // There is no VLAN 0: the default VLAN key stands at VLAN 1.
   EXPECT_TRUE(!RemoteVlanNameKey(EthPortId(0), 0, Bridging::VlanId(1)));
-  EXPECT_FALSE(!RemoteVlanNameKey(EthPortId(0), 0, Bridging::VlanId(2)));
   EXPECT_TRUE(!RemotePortAndProtocolVlanKey(EthPortId(0), 0, Bridging::VlanIdOrNone(0)));
-}
-
-TEST(MirrorKeys, TextFollowsTheFormatString) {
-  RemoteUnknownOrgDefTlvKey const key(EthPortId(12), -2, Lldp::Oui(0x0080c2), 0x80000000u, -1);
-  EXPECT_EQ(valueToStrep(key),
-            Zet::format("Value('Lldp::Snmp::RemoteUnknownOrgDefTlv::Key', ** {'ethPortId': %s, 'index': %s, 'oui': "
-                        "%s, 'subtype': %s, 'unknownOrgDefTlvIndex': %s})",
-                        Interface::valueToStrep(key.ethPortId), "-2", Lldp::valueToStrep(key.oui), "2147483648",
-                        "-1"));
-  RemoteManagementAddressKey const address = sample(std::type_identity<RemoteManagementAddressKey>());
-  EXPECT_EQ(valueToStrep(address),
-            Zet::format("Value('Lldp::Snmp::RemoteManagementAddress::Key', ** {'ethPortId': %s, 'index': %s, "
-                        "'manAddrKey': %s})",
-                        "7", "42", Lldp::valueToStrep(address.manAddrKey)));
 }
 
 TEST(MirrorKeys, FieldsInAnotherOrderAreRefused) {
@@ -192,25 +141,15 @@ TEST(MirrorKeys, FieldsInAnotherOrderAreRefused) {
 }
 
 TEST(MirrorKeys, OutOfRangeFieldIsReportedUnderItsName) {
-  EXPECT_EQ(rangeMessage([] {
-              parse<RemoteVlanNameKey>(
-                  "Value('Lldp::Snmp::RemoteVlanName::Key', ** {'ethPortId': 3, 'index': 1, 'vlanId': 0})");
-            }),
-            "vlanId: VlanId::value < 1 or > 4094 not allowed");
-  EXPECT_EQ(rangeMessage([] {
-              parse<RemoteSystemKey>("Value('Lldp::Snmp::RemoteSystem::Key', ** {'ethPortId': 4095, 'index': 1})");
-            }),
-            "ethPortId: EthPortId::value < EthPortId::min or > EthPortId::max not allowed");
-  EXPECT_EQ(
-      rangeMessage([] {
-        parse<RemotePortAndProtocolVlanKey>("Value('Lldp::Snmp::RemotePortAndProtocolVlan::Key', ** {'ethPortId': 0, "
-                                            "'index': 0, 'portAndProtocolVlanId': 4095})");
-      }),
-      "portAndProtocolVlanId: VlanIdOrNone::value > 4094 not allowed");
-  std::string const indexMessage = rangeMessage([] {
-    parse<RemoteSystemKey>("Value('Lldp::Snmp::RemoteSystem::Key', ** {'ethPortId': 1, 'index': 2147483648})");
-  });
-  EXPECT_TRUE(indexMessage.starts_with("index: ")) << indexMessage;
+  using testing::StrEq;
+  using testing::ThrowsMessage;
+  EXPECT_THAT([] { parse<RemoteVlanNameKey>("Value('Lldp::Snmp::RemoteVlanName::Key', ** {'ethPortId': 3, 'index': 1, "
+                                            "'vlanId': 0})"); },
+              ThrowsMessage<Zet::RangeException>(StrEq("vlanId: VlanId::value < 1 or > 4094 not allowed")));
+  EXPECT_THAT([] { parse<RemoteSystemKey>("Value('Lldp::Snmp::RemoteSystem::Key', ** {'ethPortId': 4095, "
+                                          "'index': 1})"); },
+              ThrowsMessage<Zet::RangeException>(
+                  StrEq("ethPortId: EthPortId::value < EthPortId::min or > EthPortId::max not allowed")));
 }
 
 }  // namespace

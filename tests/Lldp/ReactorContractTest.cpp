@@ -7,9 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <string>
+#include <functional>
 #include <string_view>
-#include <vector>
 
 #include "Bridging/VlanId.h"
 #include "Interface/EthPortId.h"
@@ -30,32 +29,8 @@
 namespace {
 
 using Interface::EthPortId;
-using Lldp::Snmp::PortStatusSm;
 using Lldp::Snmp::RemoteSystemSm;
 using Lldp::Snmp::Root;
-
-// How many lines the reactors trace, at any level.
-class TraceCount {
- public:
-  TraceCount() {
-    Zet::Trace::levelsIs("LldpSnmp", ~0u);
-    Zet::Trace::sinkIs([this](Zet::String const&, int, std::string_view text) {
-      ++count_;
-      handlerLines_ += text.starts_with("RemoteSystemSm::handleVlanName( ") ? 1 : 0;
-    });
-  }
-  ~TraceCount() {
-    Zet::Trace::sinkIs(nullptr);
-    Zet::Trace::levelsIs("LldpSnmp", 0);
-  }
-  std::size_t count() const { return count_; }
-  // Lines of the VLAN name handler: what a delivered onVlanName() leaves.
-  std::size_t handlerLines() const { return handlerLines_; }
-
- private:
-  std::size_t count_ = 0;
-  std::size_t handlerLines_ = 0;
-};
 
 Zet::Ptr<Lldp::RemoteSystem> neighbour(std::int32_t index) {
   return Zet::makePtr<Lldp::RemoteSystem>(
@@ -67,50 +42,50 @@ Lldp::VlanName vlanName(std::uint16_t vlan) {
   return Lldp::VlanName(Bridging::VlanId(vlan), Lldp::BoundedString32(Zet::String("v")));
 }
 
+// Neighbour 5 on port 7, and how many lines the reactors trace at any level.
 class ReactorContract : public ::testing::Test {
  protected:
-  void TearDown() override { root->portStatusSmDelAll(); }
-
-  // Whether the mirror holds VLAN `vlan` of neighbour `index` on port 7.
-  bool mirrored(std::int32_t index, std::uint16_t vlan) const {
-    return !!root->remoteVlanName({EthPortId(7), index, Bridging::VlanId(vlan)});
+  ReactorContract() {
+    Zet::Trace::levelsIs("LldpSnmp", ~0u);
+    Zet::Trace::sinkIs([this](Zet::String const&, int, std::string_view) { ++lines_; });
+  }
+  ~ReactorContract() override {
+    root_->portStatusSmDelAll();
+    Zet::Trace::sinkIs(nullptr);
+    Zet::Trace::levelsIs("LldpSnmp", 0);
   }
 
-  Zet::Ptr<Root> const root = Root::RootIs("root");
-  TraceCount trace;
+  Zet::Ptr<RemoteSystemSm> build() { return RemoteSystemSm::RemoteSystemSmIs(5, EthPortId(7), n_, root_); }
+  // Whether the mirror holds VLAN `vlan` of neighbour `index` on port 7.
+  bool mirrored(std::uint16_t vlan, std::int32_t index = 5) const {
+    return !!root_->remoteVlanName({EthPortId(7), index, Bridging::VlanId(vlan)});
+  }
+
+  Zet::Ptr<Root> const root_ = Root::RootIs("root");
+  Zet::Ptr<Lldp::RemoteSystem> const n_ = neighbour(5);
+  std::size_t lines_ = 0;
 };
 
-TEST_F(ReactorContract, EntriesPresentAtAttachmentArriveByTheFirstScanAlone) {
-  auto const n = neighbour(5);
-  n->vlanNameIs(vlanName(10));
-  n->vlanNameIs(vlanName(11));
-
-  auto const sm = RemoteSystemSm::RemoteSystemSmIs(5, EthPortId(7), n, root);
-
-  EXPECT_TRUE(mirrored(5, 10));
-  EXPECT_TRUE(mirrored(5, 11));
-  EXPECT_EQ(trace.handlerLines(), 0u);
-  ASSERT_TRUE(sm->zetRemoteSystem());
-  EXPECT_TRUE(sm->zetRemoteSystem()->hasNotificationActive());
-  EXPECT_TRUE(sm->zetRemoteSystem()->isRegisteredNotifiee());
-}
-
-TEST_F(ReactorContract, ZombieHearsNothingAndComesBackWhenLifted) {
-  auto const n = neighbour(5);
-  auto const sm = RemoteSystemSm::RemoteSystemSmIs(5, EthPortId(7), n, root);
+// A reactor made while its state machine is a zombie is one too.
+TEST_F(ReactorContract, ZombieHearsNothingEvenWhenReboundAndComesBackWhenLifted) {
+  auto const sm = build();
   sm->zetDoZombieReactors(true);
-  auto const before = trace.count();
-
-  n->vlanNameIs(vlanName(10));
-
-  EXPECT_FALSE(mirrored(5, 10));
-  EXPECT_EQ(trace.count(), before);
+  auto const before = lines_;
+  n_->vlanNameIs(vlanName(10));
+  EXPECT_FALSE(mirrored(10));
+  EXPECT_EQ(lines_, before);
   EXPECT_TRUE(sm->zetRemoteSystem()->zetMarkedForDeletion());
 
-  sm->zetDoZombieReactors(false);
-  n->vlanNameIs(vlanName(11));
+  sm->remoteSystemDel();
+  sm->remoteSystemIs(n_);
+  ASSERT_TRUE(sm->zetRemoteSystem());
+  EXPECT_TRUE(sm->zetRemoteSystem()->zetMarkedForDeletion());
+  n_->vlanNameIs(vlanName(11));
+  EXPECT_FALSE(mirrored(11));
 
-  EXPECT_TRUE(mirrored(5, 11));
+  sm->zetDoZombieReactors(false);
+  n_->vlanNameIs(vlanName(12));
+  EXPECT_TRUE(mirrored(12));
   EXPECT_FALSE(sm->zetRemoteSystem()->zetMarkedForDeletion());
 }
 
@@ -128,115 +103,77 @@ TEST_F(ReactorContract, LiftingZombieLeavesDeliveryAloneForAReactorWithoutNotifi
 
 TEST_F(ReactorContract, PortSwitchedOffSilencesItsNeighboursButAZombiePortDoesNot) {
   auto const port = Zet::makePtr<Lldp::PortStatus>(Ondo::IntfId("Ethernet7"));
-  auto const n = neighbour(5);
-  port->remoteSystemIs(n);
-  auto const sm = root->portStatusSmIs(EthPortId(7), port, root);
+  port->remoteSystemIs(n_);
+  auto const sm = root_->portStatusSmIs(EthPortId(7), port, root_);
   auto const child = sm->remoteSystemSm(5);
 
   sm->zetDoZombieReactors(true);
-  n->vlanNameIs(vlanName(10));
+  n_->vlanNameIs(vlanName(10));
   port->remoteSystemIs(neighbour(6));
-
-  EXPECT_TRUE(mirrored(5, 10));
+  EXPECT_TRUE(mirrored(10));
   EXPECT_FALSE(child->zetRemoteSystem()->zetMarkedForDeletion());
-  EXPECT_FALSE(root->remoteSystem({EthPortId(7), 6}));
+  EXPECT_FALSE(root_->remoteSystem({EthPortId(7), 6}));
 
   sm->zetDoZombieReactors(false);
   sm->hasNotificationActiveIs(false);
-  n->vlanNameIs(vlanName(11));
-
-  EXPECT_FALSE(mirrored(5, 11));
-  EXPECT_FALSE(child->hasNotificationActive());
+  n_->vlanNameIs(vlanName(11));
+  EXPECT_FALSE(mirrored(11));
   EXPECT_FALSE(child->zetRemoteSystem()->hasNotificationActive());
   EXPECT_FALSE(sm->zetPortStatus()->hasNotificationActive());
 
   sm->hasNotificationActiveIs(true);
-  n->vlanNameIs(vlanName(12));
-  EXPECT_TRUE(mirrored(5, 12));
+  n_->vlanNameIs(vlanName(12));
+  EXPECT_TRUE(mirrored(12));
 }
 
 TEST_F(ReactorContract, RebindingMovesDeliveryToTheNewNotifierWithoutAScan) {
-  auto const first = neighbour(5);
   auto const second = neighbour(5);
   second->vlanNameIs(vlanName(20));
-  auto const sm = RemoteSystemSm::RemoteSystemSmIs(5, EthPortId(7), first, root);
+  auto const sm = build();
   auto const reactor = sm->zetRemoteSystem();
+  EXPECT_TRUE(reactor->hasNotificationActive());
+  EXPECT_TRUE(reactor->isRegisteredNotifiee());
 
   sm->remoteSystemIs(second);
-
   EXPECT_EQ(sm->zetRemoteSystem(), reactor);
-  EXPECT_EQ(sm->remoteSystem(), second);
-  EXPECT_FALSE(mirrored(5, 20));
-  first->vlanNameIs(vlanName(10));
+  EXPECT_FALSE(mirrored(20));
+  n_->vlanNameIs(vlanName(10));
   second->vlanNameIs(vlanName(21));
-  EXPECT_FALSE(mirrored(5, 10));
-  EXPECT_TRUE(mirrored(5, 21));
-}
+  EXPECT_FALSE(mirrored(10));
+  EXPECT_TRUE(mirrored(21));
 
-TEST_F(ReactorContract, SlotDelGivesTheNotifierBackAndLetsTheReactorGo) {
-  auto const n = neighbour(5);
-  auto const sm = RemoteSystemSm::RemoteSystemSmIs(5, EthPortId(7), n, root);
-  auto const reactor = sm->zetRemoteSystem();
-
-  EXPECT_EQ(sm->remoteSystemDel(), n);
-
-  EXPECT_FALSE(sm->zetRemoteSystem());
-  EXPECT_FALSE(sm->remoteSystem());
-  EXPECT_TRUE(reactor->zetMarkedForDeletion());
-  EXPECT_FALSE(reactor->hasNotificationActive());
-  EXPECT_EQ(reactor->owner(), nullptr);
-  n->vlanNameIs(vlanName(10));
-  EXPECT_FALSE(mirrored(5, 10));
-  EXPECT_FALSE(sm->remoteSystemDel());
-}
-
-TEST_F(ReactorContract, ZombieStateMachineRebindsAsAZombie) {
-  auto const n = neighbour(5);
-  auto const sm = RemoteSystemSm::RemoteSystemSmIs(5, EthPortId(7), n, root);
-  sm->remoteSystemDel();
-  sm->zetDoZombieReactors(true);
-
-  sm->remoteSystemIs(n);
-
-  ASSERT_TRUE(sm->zetRemoteSystem());
-  EXPECT_TRUE(sm->zetRemoteSystem()->zetMarkedForDeletion());
-  n->vlanNameIs(vlanName(10));
-  EXPECT_FALSE(mirrored(5, 10));
-
-  sm->zetDoZombieReactors(false);
-  n->vlanNameIs(vlanName(11));
-  EXPECT_TRUE(mirrored(5, 11));
-}
-
-TEST_F(ReactorContract, NullNotifierEmptiesTheSlotAndANotifierOfAnotherTypeCountsAsNone) {
-  auto const n = neighbour(5);
-  auto const sm = RemoteSystemSm::RemoteSystemSmIs(5, EthPortId(7), n, root);
-  auto const reactor = sm->zetRemoteSystem();
-
+  // A notifier of another type counts as none.
   reactor->notifierIs(Zet::makePtr<Lldp::PortStatus>(Ondo::IntfId("Ethernet7")));
   EXPECT_EQ(reactor->notifier(), nullptr);
   EXPECT_FALSE(reactor->isRegisteredNotifiee());
-
-  reactor->notifierIs(n);
-  EXPECT_EQ(sm->remoteSystem(), n);
-  sm->remoteSystemIs(nullptr);
-  EXPECT_FALSE(sm->zetRemoteSystem());
-  EXPECT_TRUE(reactor->zetMarkedForDeletion());
-  n->vlanNameIs(vlanName(10));
-  EXPECT_FALSE(mirrored(5, 10));
 }
 
-TEST_F(ReactorContract, StateMachineGoneLeavesItsReactorSilent) {
-  auto const n = neighbour(5);
-  auto sm = RemoteSystemSm::RemoteSystemSmIs(5, EthPortId(7), n, root);
-  Zet::Ptr<RemoteSystemSm::ZetRemoteSystem> const reactor = sm->zetRemoteSystem();
-
-  sm = nullptr;
-
-  EXPECT_EQ(reactor->owner(), nullptr);
-  EXPECT_TRUE(reactor->zetMarkedForDeletion());
-  n->vlanNameIs(vlanName(10));
-  EXPECT_FALSE(mirrored(5, 10));
+// However the reactor goes, it is a zombie without an owner from then on.
+TEST_F(ReactorContract, ReactorLetGoIsSilent) {
+  struct Case {
+    char const* how;
+    std::function<void(Zet::Ptr<RemoteSystemSm>&)> letGo;
+  };
+  Case const cases[] = {
+      {"slot Del", [this](Zet::Ptr<RemoteSystemSm>& sm) { EXPECT_EQ(sm->remoteSystemDel(), n_); }},
+      {"null notifier", [](Zet::Ptr<RemoteSystemSm>& sm) { sm->remoteSystemIs(nullptr); }},
+      {"state machine gone", [](Zet::Ptr<RemoteSystemSm>& sm) { sm = nullptr; }},
+  };
+  std::uint16_t vlan = 10;
+  for (auto const& c : cases) {
+    SCOPED_TRACE(c.how);
+    auto sm = build();
+    Zet::Ptr<RemoteSystemSm::ZetRemoteSystem> const reactor = sm->zetRemoteSystem();
+    c.letGo(sm);
+    EXPECT_TRUE(!sm || !sm->zetRemoteSystem());
+    EXPECT_TRUE(reactor->zetMarkedForDeletion());
+    EXPECT_EQ(reactor->owner(), nullptr);
+    n_->vlanNameIs(vlanName(++vlan));
+    EXPECT_FALSE(mirrored(vlan));
+    if (sm) {
+      EXPECT_FALSE(sm->remoteSystemDel());
+    }
+  }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// The notification options of the command line: their defaults, their
+// The notification options of the command line: their effect, their
 // refusals and their place in the help text.
 
 #include <gtest/gtest.h>
@@ -13,13 +13,6 @@ namespace {
 ParsedOptions parse(std::vector<char const*> words) {
   words.insert(words.begin(), "lldp-snmp-agent");
   return parseAgentOptions(static_cast<int>(words.size()), words.data());
-}
-
-TEST(AgentOptions, NotificationsGoOutAtOnceUnlessTold) {
-  auto const parsed = parse({});
-  ASSERT_TRUE(parsed.options);
-  EXPECT_TRUE(parsed.options->notifications);
-  EXPECT_EQ(parsed.options->notificationDelay, 0.0);
 }
 
 TEST(AgentOptions, NoNotificationsTurnsThemOffAndKeepsTheDelay) {

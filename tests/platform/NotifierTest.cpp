@@ -18,14 +18,6 @@ namespace {
 
 using Log = std::vector<std::string>;
 
-// Attaches as a reactor does: notifier, then registration, then delivery on.
-template <class Watcher, class Notifier>
-void attach(Watcher& watcher, Zet::Ptr<Notifier> const& notifier) {
-  watcher.notifierIs(notifier);
-  watcher.isRegisteredNotifieeIs(true);
-  watcher.hasNotificationActiveIs(true);
-}
-
 class ConfigWatcher : public Lldp::Config::NotifieeConst {
  public:
   ConfigWatcher(Log& log, std::string tag) : log_(log), tag_(std::move(tag)) {}
@@ -34,12 +26,10 @@ class ConfigWatcher : public Lldp::Config::NotifieeConst {
   void onMessageTxInterval() override { log_.push_back(tag_ + " messageTxInterval"); }
   void onTxDelay() override {
     log_.push_back(tag_ + " txDelay");
-    if (duringTxDelay) {
-      duringTxDelay();
-    }
+    duringTxDelay();
   }
 
-  std::function<void()> duringTxDelay;
+  std::function<void()> duringTxDelay = [] {};
 
  private:
   Log& log_;
@@ -54,13 +44,13 @@ class LocalSystemWatcher : public Lldp::LocalSystem::NotifieeConst {
   void onChassisIdentifier() override { log_.push_back(tag_ + " chassisIdentifier"); }
   void onLocalPort(Ondo::IntfId const& id) override {
     auto const port = system().localPort(id);
-    log_.push_back(tag_ + " localPort " + id.stringValue().stdString() + " " +
+    log_.push_back(tag_ + " " + id.stringValue().stdString() + " " +
                    (port ? std::to_string(port->maxFrameSize()) : "absent"));
   }
   void onManagementAddress(Lldp::ManagementAddress::Key const& key) override {
-    log_.push_back(
-        tag_ + " managementAddress " + std::to_string(key.manAddrSubtype) + " " +
-        (system().managementAddressHas(key) ? std::to_string(system().managementAddress(key).ifId) : "absent"));
+    auto const& s = system();
+    log_.push_back(tag_ + " address " +
+                   (s.managementAddressHas(key) ? std::to_string(s.managementAddress(key).ifId) : "absent"));
   }
   void onManagementAddressPrio(Lldp::ManAddrPriority const& prio) override {
     log_.push_back(tag_ + " prio " + std::to_string(prio.priority));
@@ -88,198 +78,113 @@ Zet::Ptr<Lldp::LocalPort> port(char const* name, std::uint16_t maxFrameSize) {
   return p;
 }
 
-TEST(ScalarNotification, ChangedValueDeliversItsSlotOnce) {
-  Log log;
-  auto const config = Zet::makePtr<Lldp::Config>();
-  auto const watcher = Zet::makePtr<ConfigWatcher>(log, "a");
-  attach(*watcher, config);
+// The watchers log in the order they hear.
+class Notifier : public ::testing::Test {
+ protected:
+  // Attaches as a reactor does: notifier, then registration, then delivery on.
+  template <class Watcher, class N>
+  Zet::Ptr<Watcher> watcher(Zet::Ptr<N> const& notifier, std::string tag) {
+    auto w = Zet::makePtr<Watcher>(log_, std::move(tag));
+    w->notifierIs(notifier);
+    w->isRegisteredNotifieeIs(true);
+    w->hasNotificationActiveIs(true);
+    return w;
+  }
 
-  config->messageTxIntervalIs(10);
+  Log log_;
+  Zet::Ptr<Lldp::Config> const config_ = Zet::makePtr<Lldp::Config>();
+  Zet::Ptr<Lldp::LocalSystem> const system_ = Zet::makePtr<Lldp::LocalSystem>();
+};
 
-  EXPECT_EQ(config->messageTxInterval(), 10);
-  EXPECT_EQ(log, (Log{"a messageTxInterval"}));
+TEST_F(Notifier, ChangedScalarDeliversItsSlotOnceAndAnEqualValueNothing) {
+  auto const a = watcher<ConfigWatcher>(config_, "a");
+  auto const b = watcher<LocalSystemWatcher>(system_, "b");
+  config_->messageTxIntervalIs(10);
+  config_->messageTxIntervalIs(10);
+  config_->txDelayIs(config_->txDelay());
+  // Subtype and identifier are one slot for both halves.
+  system_->chassisIdentifierIs(4, "switch-1");
+  system_->chassisIdentifierIs(4, "switch-1");
+  system_->chassisIdentifierIs(7, "switch-1");
+  EXPECT_EQ(log_, (Log{"a messageTxInterval", "b chassisIdentifier", "b chassisIdentifier"}));
 }
 
-TEST(ScalarNotification, EqualValueDeliversNothing) {
-  Log log;
-  auto const config = Zet::makePtr<Lldp::Config>();
-  auto const watcher = Zet::makePtr<ConfigWatcher>(log, "a");
-  attach(*watcher, config);
-
-  config->messageTxIntervalIs(config->messageTxInterval());
-  config->txDelayIs(7);
-  config->txDelayIs(7);
-
-  EXPECT_EQ(log, (Log{"a txDelay"}));
-}
-
-TEST(ScalarNotification, ChassisIdentifierIsOneSlotForBothHalves) {
-  Log log;
-  auto const system = Zet::makePtr<Lldp::LocalSystem>();
-  auto const watcher = Zet::makePtr<LocalSystemWatcher>(log, "a");
-  attach(*watcher, system);
-
-  system->chassisIdentifierIs(4, "switch-1");
-  system->chassisIdentifierIs(4, "switch-1");
-  system->chassisIdentifierIs(7, "switch-1");
-
-  EXPECT_EQ(system->chassisIdSubtype(), 7);
-  EXPECT_EQ(log, (Log{"a chassisIdentifier", "a chassisIdentifier"}));
-}
-
-TEST(CollectionNotification, EntryChangeDeliversKeyedThenImmediateThenKeylessToEveryNotifiee) {
-  Log log;
-  auto const system = Zet::makePtr<Lldp::LocalSystem>();
-  auto const first = Zet::makePtr<LocalSystemWatcher>(log, "a");
-  auto const second = Zet::makePtr<LocalSystemWatcher>(log, "b");
-  attach(*first, system);
-  attach(*second, system);
-
-  system->managementAddressPrioIs(Lldp::ManAddrPriority(3, 1, 0, Ondo::IntfId("Ethernet1")), address(1, 0).key());
-
-  EXPECT_EQ(log,
+TEST_F(Notifier, EntryChangeDeliversKeyedThenImmediateThenKeylessToEveryNotifiee) {
+  auto const a = watcher<LocalSystemWatcher>(system_, "a");
+  auto const b = watcher<LocalSystemWatcher>(system_, "b");
+  system_->managementAddressPrioIs(Lldp::ManAddrPriority(3, 1, 0, Ondo::IntfId("Ethernet1")), address(1, 0).key());
+  EXPECT_EQ(log_,
             (Log{"a prio 3", "b prio 3", "a prio immediate", "b prio immediate", "a prio keyless", "b prio keyless"}));
 }
 
-TEST(CollectionNotification, ReplaceThenRemoveAreSeparateNotifications) {
-  Log log;
-  auto const system = Zet::makePtr<Lldp::LocalSystem>();
-  auto const watcher = Zet::makePtr<LocalSystemWatcher>(log, "a");
-  attach(*watcher, system);
-
-  system->managementAddressIs(address(1, 5));
-  system->managementAddressIs(address(1, 6));
-  auto const removed = system->managementAddressDel(address(1, 0).key());
-
-  EXPECT_EQ(removed.ifId, 6);
-  EXPECT_EQ(log, (Log{"a managementAddress 1 5", "a managementAddress 1 6", "a managementAddress 1 absent"}));
+// Each slot reads the collection as it is at that moment, for value records and entities alike;
+// storing what is there or removing what is not changes nothing and says nothing.
+TEST_F(Notifier, ReplaceThenRemoveAreSeparateNotificationsAndNoChangeIsNone) {
+  auto const a = watcher<LocalSystemWatcher>(system_, "a");
+  auto const ethernet1 = port("Ethernet1", 9216);
+  system_->managementAddressIs(address(1, 5));
+  system_->managementAddressIs(address(1, 6));
+  system_->managementAddressIs(address(1, 6));
+  system_->managementAddressDel(address(2, 0).key());
+  EXPECT_EQ(system_->managementAddressDel(address(1, 0).key()).ifId, 6);
+  system_->localPortIs(port("Ethernet1", 1518));
+  system_->localPortIs(ethernet1);
+  system_->localPortIs(ethernet1);
+  EXPECT_FALSE(system_->localPortDel(Ondo::IntfId("Ethernet2")));
+  EXPECT_EQ(system_->localPortDel(Ondo::IntfId("Ethernet1")), ethernet1);
+  system_->managementAddressPrioDel(Lldp::ManAddrPriority());
+  EXPECT_EQ(log_, (Log{"a address 5", "a address 6", "a address absent", "a Ethernet1 1518", "a Ethernet1 9216",
+                       "a Ethernet1 absent"}));
 }
 
-TEST(CollectionNotification, EntityReplacedUnderItsKeyThenRemovedIsTwoNotifications) {
-  Log log;
-  auto const system = Zet::makePtr<Lldp::LocalSystem>();
-  auto const watcher = Zet::makePtr<LocalSystemWatcher>(log, "a");
-  attach(*watcher, system);
-
-  system->localPortIs(port("Ethernet1", 1518));
-  system->localPortIs(port("Ethernet1", 9216));
-  auto const removed = system->localPortDel(Ondo::IntfId("Ethernet1"));
-
-  ASSERT_TRUE(removed);
-  EXPECT_EQ(removed->maxFrameSize(), 9216);
-  EXPECT_EQ(log, (Log{"a localPort Ethernet1 1518", "a localPort Ethernet1 9216", "a localPort Ethernet1 absent"}));
-}
-
-TEST(CollectionNotification, StoringWhatIsThereOrRemovingWhatIsNotDeliversNothing) {
-  Log log;
-  auto const system = Zet::makePtr<Lldp::LocalSystem>();
-  auto const ethernet1 = port("Ethernet1", 1518);
-  system->localPortIs(ethernet1);
-  system->managementAddressIs(address(1, 5));
-  auto const watcher = Zet::makePtr<LocalSystemWatcher>(log, "a");
-  attach(*watcher, system);
-
-  system->localPortIs(ethernet1);
-  system->managementAddressIs(address(1, 5));
-  EXPECT_FALSE(system->localPortDel(Ondo::IntfId("Ethernet2")));
-  system->managementAddressDel(address(2, 0).key());
-  system->managementAddressPrioDel(Lldp::ManAddrPriority());
-
-  EXPECT_TRUE(log.empty());
-}
-
-TEST(NotifieeDelivery, InactiveOrUnregisteredNotifieeHearsNothing) {
-  Log log;
-  auto const config = Zet::makePtr<Lldp::Config>();
-  auto const inactive = Zet::makePtr<ConfigWatcher>(log, "inactive");
-  attach(*inactive, config);
+TEST_F(Notifier, InactiveOrUnregisteredNotifieeHearsNothing) {
+  auto const inactive = watcher<ConfigWatcher>(config_, "inactive");
   inactive->hasNotificationActiveIs(false);
-  auto const unregistered = Zet::makePtr<ConfigWatcher>(log, "unregistered");
-  unregistered->notifierIs(config);
-  unregistered->hasNotificationActiveIs(true);
-
-  config->txDelayIs(9);
+  auto const unregistered = watcher<ConfigWatcher>(config_, "unregistered");
+  unregistered->isRegisteredNotifieeIs(false);
+  config_->txDelayIs(9);
   inactive->hasNotificationActiveIs(true);
-  config->txDelayIs(10);
-
-  EXPECT_EQ(log, (Log{"inactive txDelay"}));
+  config_->txDelayIs(10);
+  EXPECT_EQ(log_, (Log{"inactive txDelay"}));
 }
 
-TEST(NotifieeDelivery, NotifieeDetachedByAnEarlierSlotIsSkipped) {
-  Log log;
-  auto const config = Zet::makePtr<Lldp::Config>();
-  auto const first = Zet::makePtr<ConfigWatcher>(log, "a");
-  auto const second = Zet::makePtr<ConfigWatcher>(log, "b");
-  auto const third = Zet::makePtr<ConfigWatcher>(log, "c");
-  attach(*first, config);
-  attach(*second, config);
-  attach(*third, config);
-  first->duringTxDelay = [&] { second->notifierIs(nullptr); };
-
-  config->txDelayIs(9);
-
-  EXPECT_EQ(log, (Log{"a txDelay", "c txDelay"}));
-  EXPECT_EQ(second->notifier(), nullptr);
+// A notifiee repointed by an earlier slot hears only its new notifier, and a destroyed one nothing.
+TEST_F(Notifier, NotifieeRepointedOrDestroyedByAnEarlierSlotIsSkipped) {
+  auto const other = Zet::makePtr<Lldp::Config>();
+  auto const a = watcher<ConfigWatcher>(config_, "a");
+  auto const b = watcher<ConfigWatcher>(config_, "b");
+  auto c = watcher<ConfigWatcher>(config_, "c");
+  auto const d = watcher<ConfigWatcher>(config_, "d");
+  a->duringTxDelay = [&] {
+    b->notifierIs(other);
+    c = nullptr;
+  };
+  config_->txDelayIs(9);
+  a->duringTxDelay = [] {};
+  config_->txDelayIs(10);
+  other->messageTxIntervalIs(9);
+  EXPECT_EQ(log_, (Log{"a txDelay", "c gone", "d txDelay", "a txDelay", "d txDelay", "b messageTxInterval"}));
+  EXPECT_TRUE(b->isRegisteredNotifiee());
 }
 
-TEST(NotifieeDelivery, NotifieeDestroyedByAnEarlierSlotIsSkipped) {
-  Log log;
-  auto const config = Zet::makePtr<Lldp::Config>();
-  auto const first = Zet::makePtr<ConfigWatcher>(log, "a");
-  auto second = Zet::makePtr<ConfigWatcher>(log, "b");
-  auto const third = Zet::makePtr<ConfigWatcher>(log, "c");
-  attach(*first, config);
-  attach(*second, config);
-  attach(*third, config);
-  first->duringTxDelay = [&] { second = nullptr; };
-
-  config->txDelayIs(9);
-
-  EXPECT_EQ(log, (Log{"a txDelay", "b gone", "c txDelay"}));
-}
-
-TEST(NotifieeDelivery, RepointedNotifieeMovesToTheNewNotifier) {
-  Log log;
-  auto const before = Zet::makePtr<Lldp::Config>();
-  auto const after = Zet::makePtr<Lldp::Config>();
-  auto const watcher = Zet::makePtr<ConfigWatcher>(log, "a");
-  attach(*watcher, before);
-
-  watcher->notifierIs(after);
-  before->txDelayIs(9);
-  after->messageTxIntervalIs(9);
-
-  EXPECT_EQ(log, (Log{"a messageTxInterval"}));
-  EXPECT_TRUE(watcher->isRegisteredNotifiee());
-}
-
-TEST(NotifieeDelivery, NotifierReleasedByASlotLivesUntilDeliveryEnds) {
-  class CountedConfig : public Lldp::Config {
-   public:
+TEST_F(Notifier, NotifierReleasedByASlotLivesUntilDeliveryEnds) {
+  struct CountedConfig : Lldp::Config {
     explicit CountedConfig(Log& log) : log_(log) {}
     ~CountedConfig() override { log_.push_back("config gone"); }
-
-   private:
     Log& log_;
   };
-  Log log;
-  auto config = Zet::makePtr<CountedConfig>(log);
+  auto config = Zet::makePtr<CountedConfig>(log_);
   auto* const writer = config.get();
-  auto const first = Zet::makePtr<ConfigWatcher>(log, "a");
-  auto const second = Zet::makePtr<ConfigWatcher>(log, "b");
-  attach(*first, config);
-  attach(*second, config);
-  config = nullptr;
-  // The watchers now hold the only references.
-  first->duringTxDelay = [&] {
-    first->notifierIs(nullptr);
-    second->notifierIs(nullptr);
-    log.push_back("a detached");
+  auto const a = watcher<ConfigWatcher>(config, "a");
+  auto const b = watcher<ConfigWatcher>(config, "b");
+  config = nullptr;  // the watchers now hold the only references
+  a->duringTxDelay = [&] {
+    a->notifierIs(nullptr);
+    b->notifierIs(nullptr);
+    log_.push_back("a detached");
   };
-
   writer->txDelayIs(9);
-
-  EXPECT_EQ(log, (Log{"a txDelay", "a detached", "config gone"}));
+  EXPECT_EQ(log_, (Log{"a txDelay", "a detached", "config gone"}));
 }
 
 }  // namespace
