@@ -1,8 +1,20 @@
-// LLDP-MIB (1.0.8802.1.1.2): registration of the module and its 16 scalars.
+// LLDP-MIB (1.0.8802.1.1.2): registration of the module, its 16 scalars and its tables.
 //
 // To add a scalar: add its name to LLDP_MIB_SCALARS in LldpMIB.h, and its
 // descriptor at the same position in lldpScalars below. The handler
 // handle_<object> is stamped out from the list.
+//
+// To add a column: one line in its table's column list, in column order: the
+// sub-identifier, the MIB object (the SET text names it), the row's attribute
+// and the conversion (the failure messages name them), the ASN type, the
+// buffer size, the accepted byte counts (noLength: no check) and the reader.
+// The column list registered with net-snmp follows from the lines.
+//
+// To add a table: its name in LLDP_MIB_TABLES in LldpMIB.h, at its place in
+// the registration order; its index list and columns; its TableDesc
+// <table>Desc, naming the Root collection it walks (TableEngine's
+// <collection>Rows); and one TABLE_ENGINE_TABLE line, which stamps out the
+// exported initialize_table_<table> and <table>_handler and the row callbacks.
 
 #include "LldpMIB.h"
 
@@ -11,12 +23,14 @@
 #include "LldpAgent/LocalSystem.h"
 #include "LldpLogHandles.h"
 #include "MibModule.h"
+#include "MirrorRows.h"
 #include "ScalarEngine.h"
 #include "Snmp/AutoRegistree.h"
 #include "Snmp/Conversions.h"
 #include "Snmp/MibContext.h"
 #include "Snmp/SnmpUtil.h"
 #include "SnmpConversions.h"
+#include "TableEngine.h"
 
 namespace {
 
@@ -128,10 +142,125 @@ Netsnmp_Node_Handler* const scalarHandlers[] = {
 };
 }  // namespace
 
+namespace {
+
+using TableEngine::ColumnDesc;
+using TableEngine::IndexDesc;
+static_assert(noLength == TableEngine::noLength, "one meaning of no length check for scalars and columns");
+using TableEngine::Sorted;
+using TableEngine::TableDesc;
+using TableEngine::TimeFilter;
+
+// A reader of a column of the Root's rows of type Lldp::Snmp::Row.
+#define LLDP_COLUMN_READER(Row, expression)                                \
+  [](void const* r, unsigned char* b, int n) {                             \
+    Lldp::Snmp::Row const& row = *static_cast<Lldp::Snmp::Row const*>(r); \
+    return expression;                                                     \
+  }
+
+// lldpPortConfigTable: writable in the MIB, and every SET is refused all the same.
+IndexDesc const lldpPortConfigIndexes[] = {{"lldpPortConfigPortNum", ASN_INTEGER}};
+ColumnDesc const lldpPortConfigColumns[] = {
+    {2, "lldpPortConfigAdminStatus", "adminStatus", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
+     LLDP_COLUMN_READER(PortConfig, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.adminStatus()), b, n))},
+    // True whenever the port has a configuration: no per-port setting exists.
+    {3, "lldpPortConfigNotificationEnable", "notificationEnable", "BoolToAsnInteger", ASN_INTEGER, 1024, 0,
+     noLength, LLDP_COLUMN_READER(PortConfig, Snmp::BoolToAsnIntegerF()(row.notificationEnable(), b, n))},
+    // A raw value above 0xf raises the range exception here, out of the handler.
+    {4, "lldpPortConfigTLVsTxEnable", "enabledTlvs", "EnabledTlvsToAsnBits", ASN_OCTET_STR, 1024, 0, noLength,
+     LLDP_COLUMN_READER(PortConfig, EnabledTlvsToAsnBits(Lldp::PortConfig::EnabledTlvs(row.enabledTlvs()), b, n))},
+};
+constexpr TableDesc lldpPortConfigTableDesc{
+    "lldpPortConfigTable", {1, 0, 8802, 1, 1, 2, 1, 1, 6}, HANDLER_CAN_RWRITE, lldpPortConfigIndexes,
+    lldpPortConfigColumns, Sorted::yes, TimeFilter::no, nullptr, &TableEngine::portConfigRows};
+
+// The two address tables index the address by its length and bytes, and the
+// walk takes no hint; lldpConfigManAddrTable declares lldpLocManAddrTable's indexes.
+IndexDesc const lldpLocManAddrIndexes[] = {{"lldpLocManAddrSubtype", ASN_INTEGER}, {"lldpLocManAddr", ASN_OCTET_STR}};
+
+ColumnDesc const lldpConfigManAddrColumns[] = {
+    {1, "lldpConfigManAddrPortsTxEnable", "portsTxEnable", "PortsTxEnableToAsnOctetString", ASN_OCTET_STR, 512, 0,
+     512, LLDP_COLUMN_READER(LocalManagementAddress, PortsTxEnableToAsnOctetString(row.portsTxEnable(), b, n))},
+};
+constexpr TableDesc lldpConfigManAddrTableDesc{
+    "lldpConfigManAddrTable", {1, 0, 8802, 1, 1, 2, 1, 1, 7}, HANDLER_CAN_RWRITE, lldpLocManAddrIndexes,
+    lldpConfigManAddrColumns, Sorted::no, TimeFilter::no, nullptr, &TableEngine::localManagementAddressRows};
+
+IndexDesc const lldpStatsTxPortIndexes[] = {{"lldpStatsTxPortNum", ASN_INTEGER}};
+ColumnDesc const lldpStatsTxPortColumns[] = {
+    {2, "lldpStatsTxPortFramesTotal", "txFramesTotal", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0, noLength,
+     LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.txFramesTotal(), b, n))},
+};
+constexpr TableDesc lldpStatsTxPortTableDesc{
+    "lldpStatsTxPortTable", {1, 0, 8802, 1, 1, 2, 1, 2, 6}, HANDLER_CAN_RONLY, lldpStatsTxPortIndexes,
+    lldpStatsTxPortColumns, Sorted::yes, TimeFilter::no, nullptr, &TableEngine::portStatusRows};
+
+IndexDesc const lldpStatsRxPortIndexes[] = {{"lldpStatsRxPortNum", ASN_INTEGER}};
+ColumnDesc const lldpStatsRxPortColumns[] = {
+    {2, "lldpStatsRxPortFramesDiscardedTotal", "rxFramesDiscardedTotal", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0,
+     noLength, LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxFramesDiscardedTotal(), b, n))},
+    {3, "lldpStatsRxPortFramesErrors", "rxFramesErrors", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0, noLength,
+     LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxFramesErrors(), b, n))},
+    {4, "lldpStatsRxPortFramesTotal", "rxFramesTotal", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0, noLength,
+     LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxFramesTotal(), b, n))},
+    {5, "lldpStatsRxPortTLVsDiscardedTotal", "rxTLVsDiscardedTotal", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0,
+     noLength, LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxTLVsDiscardedTotal(), b, n))},
+    {6, "lldpStatsRxPortTLVsUnrecognizedTotal", "rxTLVsUnrecognizedTotal", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0,
+     noLength, LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxTLVsUnrecognizedTotal(), b, n))},
+    // The MIB makes the ageouts a Gauge32 among counters.
+    {7, "lldpStatsRxPortAgeoutsTotal", "rxAgeoutsTotal", "U32ToAsnUnsigned", ASN_GAUGE, 1024, 0, noLength,
+     LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxAgeoutsTotal(), b, n))},
+};
+constexpr TableDesc lldpStatsRxPortTableDesc{
+    "lldpStatsRxPortTable", {1, 0, 8802, 1, 1, 2, 1, 2, 7}, HANDLER_CAN_RONLY, lldpStatsRxPortIndexes,
+    lldpStatsRxPortColumns, Sorted::yes, TimeFilter::no, nullptr, &TableEngine::portStatusRows};
+
+IndexDesc const lldpLocPortIndexes[] = {{"lldpLocPortNum", ASN_INTEGER}};
+ColumnDesc const lldpLocPortColumns[] = {
+    {2, "lldpLocPortIdSubtype", "portIdSubtype", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
+     LLDP_COLUMN_READER(LocalPort, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.portIdSubtype()), b, n))},
+    // A port ID must not be empty (SIZE 1..255); a description may be.
+    {3, "lldpLocPortId", "portId", "StringToAsnOctetString", ASN_OCTET_STR, 255, 1, 255,
+     LLDP_COLUMN_READER(LocalPort, Snmp::StringToAsnOctetStringF()(row.portId().value(), b, n))},
+    {4, "lldpLocPortDesc", "portDesc", "StringToAsnOctetString", ASN_OCTET_STR, 255, 0, 255,
+     LLDP_COLUMN_READER(LocalPort, Snmp::StringToAsnOctetStringF()(row.portDesc().value(), b, n))},
+};
+constexpr TableDesc lldpLocPortTableDesc{
+    "lldpLocPortTable", {1, 0, 8802, 1, 1, 2, 1, 3, 7}, HANDLER_CAN_RONLY, lldpLocPortIndexes, lldpLocPortColumns,
+    Sorted::yes, TimeFilter::no, nullptr, &TableEngine::localPortRows};
+
+ColumnDesc const lldpLocManAddrColumns[] = {
+    {3, "lldpLocManAddrLen", "manAddrLen", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
+     LLDP_COLUMN_READER(LocalManagementAddress, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.manAddrLen()), b, n))},
+    {4, "lldpLocManAddrIfSubtype", "ifSubtype", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
+     LLDP_COLUMN_READER(LocalManagementAddress, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.ifSubtype()), b, n))},
+    {5, "lldpLocManAddrIfId", "ifId", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
+     LLDP_COLUMN_READER(LocalManagementAddress, Snmp::S32ToAsnIntegerF()(row.ifId(), b, n))},
+    {6, "lldpLocManAddrOID", "oid", "SnmpObjectIdentifierToAsnOid", ASN_OBJECT_ID, 1024, 0, noLength,
+     LLDP_COLUMN_READER(LocalManagementAddress, Snmp::SnmpObjectIdentifierToAsnOidF()(row.oid(), b, n))},
+};
+constexpr TableDesc lldpLocManAddrTableDesc{
+    "lldpLocManAddrTable", {1, 0, 8802, 1, 1, 2, 1, 3, 8}, HANDLER_CAN_RONLY, lldpLocManAddrIndexes,
+    lldpLocManAddrColumns, Sorted::no, TimeFilter::no, nullptr, &TableEngine::localManagementAddressRows};
+
+#undef LLDP_COLUMN_READER
+
+}  // namespace
+
+TABLE_ENGINE_TABLE(lldpPortConfigTable, lldpMIB)
+TABLE_ENGINE_TABLE(lldpConfigManAddrTable, lldpMIB)
+TABLE_ENGINE_TABLE(lldpStatsTxPortTable, lldpMIB)
+TABLE_ENGINE_TABLE(lldpStatsRxPortTable, lldpMIB)
+TABLE_ENGINE_TABLE(lldpLocPortTable, lldpMIB)
+TABLE_ENGINE_TABLE(lldpLocManAddrTable, lldpMIB)
+
 void init_LldpMIB(Zet::String context) {
   auto const snmpConfig = SnmpUtil::getSnmpConfig();
   DEBUGMSGTL(("LldpMIB", "Initializing in context \"%s\"\n", context.charPtr()));
   ScalarEngine::registerAll(lldpScalars, scalarCount, lldpMIB, context, __PRETTY_FUNCTION__, scalarHandlers);
+#define LLDP_MIB_INITIALIZE_TABLE(table) initialize_table_##table(snmpConfig, context);
+  LLDP_MIB_TABLES(LLDP_MIB_INITIALIZE_TABLE)
+#undef LLDP_MIB_INITIALIZE_TABLE
   Snmp::registerMibContext(context, "LldpMIB");
 }
 

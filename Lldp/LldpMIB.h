@@ -1,10 +1,12 @@
 #pragma once
-// LLDP-MIB: the module's entry points and the handlers of its 16 scalars.
+// LLDP-MIB: the module's entry points, the handlers of its 16 scalars and the
+// exported functions of its tables.
 
 #include <net-snmp/net-snmp-config.h>
 #include <net-snmp/net-snmp-includes.h>
 #include <net-snmp/agent/net-snmp-agent-includes.h>
 
+#include "TableEngine.h"
 #include "Zet/String.h"
 
 // Registers the module's objects in `context` (only the default context "" serves any).
@@ -36,3 +38,14 @@ extern "C" void unregister_LldpMIB(Zet::String context);
                                  netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests);
 LLDP_MIB_SCALARS(LLDP_MIB_DECLARE_SCALAR_HANDLER)
 #undef LLDP_MIB_DECLARE_SCALAR_HANDLER
+
+// The tables in registration order.
+#define LLDP_MIB_TABLES(X)  \
+  X(lldpPortConfigTable)    \
+  X(lldpConfigManAddrTable) \
+  X(lldpStatsTxPortTable)   \
+  X(lldpStatsRxPortTable)   \
+  X(lldpLocPortTable)       \
+  X(lldpLocManAddrTable)
+
+LLDP_MIB_TABLES(TABLE_ENGINE_DECLARE_TABLE)

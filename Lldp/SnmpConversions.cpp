@@ -88,3 +88,28 @@ void lldpRootIs(Zet::Ptr<Lldp::Snmp::Root const> root) {
     root_ = std::move(root);
   }
 }
+
+std::pair<std::uint16_t, bool> PortsTxEnableFunctor::operator()(std::uint16_t key,
+                                                                Interface::EthPortId const& port) const {
+  ZET_ASSERT(root_);
+  auto const config = root_->portConfig(port);
+  if (!config) {
+    return {key, true};
+  }
+  // Unguarded on purpose: a port row without its configuration is a fault here, not a disabled port.
+  return {key, config->ptr()->manAddrTxEnable()};
+}
+
+int PortsTxEnableToAsnOctetString(Zet::Ptr<Lldp::Snmp::PortList const> ports, unsigned char* buffer, int length) {
+  if (!ports) {
+    return 0;
+  }
+  return PortListConversionV(ports->portId().iterator(), PortsTxEnableFunctor(), buffer, length);
+}
+
+// The row reads false through an empty `ptr`.
+bool portVlanIdTlvReceived(RemoteSystemIterator const& it) { return it->portVlanIdTlvReceived(); }
+bool macPhyConfigStatusTlvReceived(RemoteSystemIterator const& it) { return it->macPhyConfigStatusTlvReceived(); }
+bool powerViaMdiTlvReceived(RemoteSystemIterator const& it) { return it->powerViaMdiTlvReceived(); }
+bool linkAggregationTlvReceived(RemoteSystemIterator const& it) { return it->linkAggregationTlvReceived(); }
+bool maximumFrameSizeTlvReceived(RemoteSystemIterator const& it) { return it->maximumFrameSizeTlvReceived(); }

@@ -8,6 +8,7 @@
 #include <net-snmp/net-snmp-includes.h>
 #include <net-snmp/agent/net-snmp-agent-includes.h>
 
+#include "Snmp/HandlerFrame.h"
 #include "Zet/System.h"
 
 // Part of the agent library, without a public header.
@@ -45,6 +46,8 @@ SnmpAgent::SnmpAgent(AgentOptions const& options) : options_(options) {
   // One log line per request is noise for an agent that is polled all day.
   netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_DONT_LOG_TCPWRAPPERS_CONNECTS, 1);
   init_agent(appName_.c_str());
+  // What a plug-in's handler lets escape becomes a genErr answer here.
+  Snmp::installHandlerFrame();
   // The directives users know from snmpd: communities, users, views, trap sinks.
   init_vacm_conf();
   init_usm_conf(appName_.c_str());

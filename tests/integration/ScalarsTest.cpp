@@ -15,11 +15,12 @@
 #include <sys/wait.h>
 
 #include "AgentProcess.h"
+#include "AgentSuite.h"
 #include "SnmpClient.h"
 
 namespace {
 
-std::string const data = std::string(LLDP_SNMP_SOURCE_DIR) + "/tests/integration/data/";
+std::string const& data = integrationData;
 
 struct Expected {
   char const* oid;
@@ -28,17 +29,9 @@ struct Expected {
   std::string bytes;
 };
 
-class Scalars : public testing::Test {
- protected:
-  static void SetUpTestSuite() {
-    agent_ = std::make_unique<AgentProcess>(std::vector<std::string>{
-        "--scenario", data + "scalars.json", "--config", data + "writable.conf", "--trace", "Snmp=2"});
-  }
-  static void TearDownTestSuite() { agent_.reset(); }
-
-  static SnmpClient client(char const* community = "public") { return SnmpClient(agent_->peer(), community); }
-
-  static inline std::unique_ptr<AgentProcess> agent_;
+class Scalars : public AgentSuite<Scalars> {
+ public:
+  static std::vector<std::string> arguments() { return onScenario("scalars.json"); }
 };
 
 TEST_F(Scalars, EveryScalarHasItsValueAndType) {
@@ -77,11 +70,14 @@ TEST_F(Scalars, EveryScalarHasItsValueAndType) {
   }
 }
 
-TEST_F(Scalars, WalkVisitsTheSixteenInMibOrderAndStops) {
+TEST_F(Scalars, WalkVisitsTheSixteenInMibOrder) {
   auto const walked = client().walk("1.0.8802.1.1.2.1");
   std::vector<std::string> oids;
   for (auto const& b : walked) {
-    oids.push_back(b.oid);
+    // The tables' rows come between the groups; the scenario has no port 0.
+    if (b.oid.ends_with(".0")) {
+      oids.push_back(b.oid);
+    }
   }
   std::vector<std::string> const expected = {
       "1.0.8802.1.1.2.1.1.1.0", "1.0.8802.1.1.2.1.1.2.0", "1.0.8802.1.1.2.1.1.3.0", "1.0.8802.1.1.2.1.1.4.0",

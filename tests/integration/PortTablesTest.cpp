@@ -1,0 +1,225 @@
+// The port-keyed and local management address tables of the LLDP-MIB over
+// real SNMP: the agent serves tests/integration/data/port-tables.json, and
+// each table is walked and compared with its rows.
+
+#include <gtest/gtest.h>
+
+#include <net-snmp/net-snmp-config.h>
+#include <net-snmp/net-snmp-includes.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "AgentProcess.h"
+#include "AgentSuite.h"
+#include "SnmpClient.h"
+
+namespace {
+
+std::string const& data = integrationData;
+
+// The index of the two local addresses: subtype, length, bytes.
+std::string const ipv4 = "1.4.192.0.2.1";                             // 192.0.2.1
+std::string const ipv6 = "2.16.32.1.13.184.0.0.0.0.0.0.0.0.0.0.0.1";  // 2001:db8::1
+
+struct Expected {
+  std::string oid;
+  int type;
+  long integer;
+  std::string text;  // the bytes of an OCTET STRING, the dotted value of an OBJECT IDENTIFIER
+};
+
+struct Table {
+  char const* name;
+  char const* oid;
+  std::vector<Expected> rows;
+};
+
+std::vector<Table> const tables = {
+    {"lldpPortConfigTable",
+     "1.0.8802.1.1.2.1.1.6",
+     {
+         {"1.0.8802.1.1.2.1.1.6.1.2.1", ASN_INTEGER, 3, ""},  // lldpPortConfigAdminStatus: txAndRx
+         {"1.0.8802.1.1.2.1.1.6.1.2.5", ASN_INTEGER, 4, ""},  // disabled
+         {"1.0.8802.1.1.2.1.1.6.1.2.9", ASN_INTEGER, 2, ""},  // rxOnly
+         // lldpPortConfigNotificationEnable: true on every configured port
+         {"1.0.8802.1.1.2.1.1.6.1.3.1", ASN_INTEGER, 1, ""},
+         {"1.0.8802.1.1.2.1.1.6.1.3.5", ASN_INTEGER, 1, ""},
+         {"1.0.8802.1.1.2.1.1.6.1.3.9", ASN_INTEGER, 1, ""},
+         // lldpPortConfigTLVsTxEnable: BITS, portDesc(0) the top bit
+         {"1.0.8802.1.1.2.1.1.6.1.4.1", ASN_OCTET_STR, 0, "\x90"},
+         {"1.0.8802.1.1.2.1.1.6.1.4.5", ASN_OCTET_STR, 0, std::string(1, '\0')},
+         {"1.0.8802.1.1.2.1.1.6.1.4.9", ASN_OCTET_STR, 0, "\xf0"},
+     }},
+    {"lldpConfigManAddrTable",
+     "1.0.8802.1.1.2.1.1.7",
+     {
+         // lldpConfigManAddrPortsTxEnable: ports 1 and 9; port 5 may not send addresses
+         {"1.0.8802.1.1.2.1.1.7.1.1." + ipv4, ASN_OCTET_STR, 0, "\x80\x80"},
+         {"1.0.8802.1.1.2.1.1.7.1.1." + ipv6, ASN_OCTET_STR, 0, ""},  // no priority: sent nowhere
+     }},
+    {"lldpStatsTxPortTable",
+     "1.0.8802.1.1.2.1.2.6",
+     {
+         {"1.0.8802.1.1.2.1.2.6.1.2.1", ASN_COUNTER, 101, ""},  // lldpStatsTxPortFramesTotal
+         {"1.0.8802.1.1.2.1.2.6.1.2.5", ASN_COUNTER, 7, ""},
+         {"1.0.8802.1.1.2.1.2.6.1.2.9", ASN_COUNTER, 0, ""},
+     }},
+    {"lldpStatsRxPortTable",
+     "1.0.8802.1.1.2.1.2.7",
+     {
+         {"1.0.8802.1.1.2.1.2.7.1.2.1", ASN_COUNTER, 2, ""},  // lldpStatsRxPortFramesDiscardedTotal
+         {"1.0.8802.1.1.2.1.2.7.1.2.5", ASN_COUNTER, 0, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.2.9", ASN_COUNTER, 0, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.3.1", ASN_COUNTER, 3, ""},  // lldpStatsRxPortFramesErrors
+         {"1.0.8802.1.1.2.1.2.7.1.3.5", ASN_COUNTER, 0, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.3.9", ASN_COUNTER, 0, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.4.1", ASN_COUNTER, 4000000000, ""},  // lldpStatsRxPortFramesTotal
+         {"1.0.8802.1.1.2.1.2.7.1.4.5", ASN_COUNTER, 0, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.4.9", ASN_COUNTER, 12, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.5.1", ASN_COUNTER, 5, ""},  // lldpStatsRxPortTLVsDiscardedTotal
+         {"1.0.8802.1.1.2.1.2.7.1.5.5", ASN_COUNTER, 0, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.5.9", ASN_COUNTER, 0, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.6.1", ASN_COUNTER, 6, ""},  // lldpStatsRxPortTLVsUnrecognizedTotal
+         {"1.0.8802.1.1.2.1.2.7.1.6.5", ASN_COUNTER, 0, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.6.9", ASN_COUNTER, 0, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.7.1", ASN_GAUGE, 4294967295, ""},  // lldpStatsRxPortAgeoutsTotal
+         {"1.0.8802.1.1.2.1.2.7.1.7.5", ASN_GAUGE, 0, ""},
+         {"1.0.8802.1.1.2.1.2.7.1.7.9", ASN_GAUGE, 1, ""},
+     }},
+    {"lldpLocPortTable",
+     "1.0.8802.1.1.2.1.3.7",
+     {
+         {"1.0.8802.1.1.2.1.3.7.1.2.1", ASN_INTEGER, 5, ""},  // lldpLocPortIdSubtype: interfaceName
+         {"1.0.8802.1.1.2.1.3.7.1.2.5", ASN_INTEGER, 7, ""},  // local
+         {"1.0.8802.1.1.2.1.3.7.1.2.9", ASN_INTEGER, 3, ""},  // macAddress
+         {"1.0.8802.1.1.2.1.3.7.1.3.1", ASN_OCTET_STR, 0, "Ethernet1"},  // lldpLocPortId
+         {"1.0.8802.1.1.2.1.3.7.1.3.5", ASN_OCTET_STR, 0, "5"},
+         {"1.0.8802.1.1.2.1.3.7.1.3.9", ASN_OCTET_STR, 0, std::string("\x02\x00\x5e\x00\x00\x09", 6)},
+         {"1.0.8802.1.1.2.1.3.7.1.4.1", ASN_OCTET_STR, 0, "uplink to core"},  // lldpLocPortDesc
+         {"1.0.8802.1.1.2.1.3.7.1.4.5", ASN_OCTET_STR, 0, ""},
+         {"1.0.8802.1.1.2.1.3.7.1.4.9", ASN_OCTET_STR, 0, "camera"},
+     }},
+    {"lldpLocManAddrTable",
+     "1.0.8802.1.1.2.1.3.8",
+     {
+         {"1.0.8802.1.1.2.1.3.8.1.3." + ipv4, ASN_INTEGER, 5, ""},   // lldpLocManAddrLen: subtype and 4 bytes
+         {"1.0.8802.1.1.2.1.3.8.1.3." + ipv6, ASN_INTEGER, 17, ""},
+         {"1.0.8802.1.1.2.1.3.8.1.4." + ipv4, ASN_INTEGER, 2, ""},   // lldpLocManAddrIfSubtype: ifIndex
+         {"1.0.8802.1.1.2.1.3.8.1.4." + ipv6, ASN_INTEGER, 3, ""},   // systemPortNumber
+         {"1.0.8802.1.1.2.1.3.8.1.5." + ipv4, ASN_INTEGER, 7, ""},   // lldpLocManAddrIfId
+         {"1.0.8802.1.1.2.1.3.8.1.5." + ipv6, ASN_INTEGER, 9, ""},
+         {"1.0.8802.1.1.2.1.3.8.1.6." + ipv4, ASN_OBJECT_ID, 0, "1.3.6.1.2.1.2.2.1.1.7"},  // lldpLocManAddrOID
+         {"1.0.8802.1.1.2.1.3.8.1.6." + ipv6, ASN_OBJECT_ID, 0, "1.3.6.1.4.1.9"},
+     }},
+};
+
+void expectValue(VarBind const& got, Expected const& want) {
+  EXPECT_EQ(got.oid, want.oid);
+  EXPECT_EQ(got.type, want.type) << want.oid;
+  if (want.type == ASN_OCTET_STR) {
+    EXPECT_EQ(got.bytes, want.text) << want.oid;
+  } else if (want.type == ASN_OBJECT_ID) {
+    EXPECT_EQ(got.objectId, want.text) << want.oid;
+  } else {
+    EXPECT_EQ(static_cast<unsigned long>(got.integer) & 0xffffffffUL, static_cast<unsigned long>(want.integer))
+        << want.oid;
+  }
+}
+
+class PortTables : public AgentSuite<PortTables> {
+ public:
+  static std::vector<std::string> arguments() { return onScenario("port-tables.json"); }
+};
+
+TEST_F(PortTables, EachTableWalksExactlyItsRowsInOidOrder) {
+  auto c = client();
+  for (Table const& table : tables) {
+    SCOPED_TRACE(table.name);
+    auto const walked = c.walk(table.oid);
+    ASSERT_EQ(walked.size(), table.rows.size());
+    for (std::size_t i = 0; i < walked.size(); ++i) {
+      expectValue(walked[i], table.rows[i]);
+    }
+  }
+}
+
+TEST_F(PortTables, GetOfOneAddressInstanceFindsItsRow) {
+  auto const r = client().get({"1.0.8802.1.1.2.1.3.8.1.3.1.4.192.0.2.1"});
+  ASSERT_FALSE(r.timedOut);
+  ASSERT_EQ(r.errorStatus, SNMP_ERR_NOERROR);
+  ASSERT_EQ(r.varBinds.size(), 1u);
+  expectValue(r.varBinds[0], {"1.0.8802.1.1.2.1.3.8.1.3.1.4.192.0.2.1", ASN_INTEGER, 5, ""});
+}
+
+TEST_F(PortTables, IndexesThatNameNoPortFindNoInstance) {
+  // 65537 narrows to port 1 inside the walk, yet its OID is not port 1's.
+  auto const r = client().get({"1.0.8802.1.1.2.1.1.6.1.2.65537", "1.0.8802.1.1.2.1.1.6.1.2.4095",
+                               "1.0.8802.1.1.2.1.2.7.1.4.0", "1.0.8802.1.1.2.1.3.8.1.3.1.4.192.0.2.2"});
+  ASSERT_FALSE(r.timedOut);
+  ASSERT_EQ(r.errorStatus, SNMP_ERR_NOERROR);
+  ASSERT_EQ(r.varBinds.size(), 4u);
+  for (auto const& b : r.varBinds) {
+    EXPECT_EQ(b.type, SNMP_NOSUCHINSTANCE) << b.oid;
+  }
+}
+
+TEST_F(PortTables, SetIsRefusedAsNotWritableOnWritableAndReadOnlyTables) {
+  auto c = client("private");
+  struct Case {
+    char const* oid;
+    char const* why;
+  };
+  Case const cases[] = {
+      {"1.0.8802.1.1.2.1.1.6.1.2.1", "lldpPortConfigAdminStatus of a port: writable in the MIB"},
+      {"1.0.8802.1.1.2.1.1.6.1.2.7", "a port without a row in the writable table"},
+      {"1.0.8802.1.1.2.1.3.7.1.2.1", "lldpLocPortIdSubtype: read-only"},
+  };
+  for (Case const& k : cases) {
+    SCOPED_TRACE(k.why);
+    auto const r = c.setInteger(k.oid, 1);
+    ASSERT_FALSE(r.timedOut);
+    EXPECT_EQ(r.errorStatus, SNMP_ERR_NOTWRITABLE);
+    EXPECT_EQ(r.errorIndex, 1);
+  }
+  EXPECT_EQ(client().get({"1.0.8802.1.1.2.1.1.6.1.2.1"}).varBinds.at(0).integer, 3);
+  EXPECT_NE(agent_->standardError().find(
+                "lldpPortConfigTable_handler: SET is not configured for column lldpPortConfigAdminStatus"),
+            std::string::npos);
+}
+
+TEST_F(PortTables, WalkMatchesTheTypesOfTheMibModules) {
+  if (!std::filesystem::is_directory(LLDP_SNMP_MIBS_DIR)) {
+    GTEST_SKIP() << "no MIB modules at " << LLDP_SNMP_MIBS_DIR;
+  }
+  int status = 0;
+  std::string const output =
+      runCommand("snmpwalk -v2c -c public -M +" + std::string(LLDP_SNMP_MIBS_DIR) +
+                     " -m LLDP-MIB:LLDP-EXT-DOT1-MIB:LLDP-EXT-DOT3-MIB " + agent_->peer() +
+                     " LLDP-MIB::lldpObjects 2>&1",
+                 &status);
+  EXPECT_EQ(status, 0) << output;
+  EXPECT_EQ(output.find("Wrong Type"), std::string::npos) << output;
+  EXPECT_NE(output.find("LLDP-MIB::lldpPortConfigTLVsTxEnable.1 = BITS: 90 portDesc(0) sysCap(3)"),
+            std::string::npos)
+      << output;
+  EXPECT_NE(output.find("LLDP-MIB::lldpStatsRxPortAgeoutsTotal.1 = Gauge32: 4294967295"), std::string::npos)
+      << output;
+}
+
+TEST(PortTablesOfAnEmptyPortId, PortIdIsAGenErrWhileTheEmptyDescriptionIsServed) {
+  AgentProcess agent({"--scenario", data + "empty-port-id.json"});
+  SnmpClient client(agent.peer(), "public");
+  auto const id = client.get({"1.0.8802.1.1.2.1.3.7.1.3.2"});
+  ASSERT_FALSE(id.timedOut);
+  EXPECT_EQ(id.errorStatus, SNMP_ERR_GENERR);
+  auto const description = client.get({"1.0.8802.1.1.2.1.3.7.1.4.2"});
+  EXPECT_EQ(description.errorStatus, SNMP_ERR_NOERROR);
+  EXPECT_EQ(description.varBinds.at(0).type, ASN_OCTET_STR);
+  EXPECT_EQ(description.varBinds.at(0).bytes, "");
+  EXPECT_EQ(client.get({"1.0.8802.1.1.2.1.3.7.1.3.1"}).varBinds.at(0).bytes, "1");
+}
+
+}  // namespace
