@@ -24,6 +24,8 @@
 #include "LldpLogHandles.h"
 #include "MibModule.h"
 #include "MirrorRows.h"
+#include "RemoteRecords.h"
+#include "Root.h"
 #include "ScalarEngine.h"
 #include "Snmp/AutoRegistree.h"
 #include "Snmp/Conversions.h"
@@ -243,6 +245,91 @@ constexpr TableDesc lldpLocManAddrTableDesc{
     "lldpLocManAddrTable", {1, 0, 8802, 1, 1, 2, 1, 3, 8}, HANDLER_CAN_RONLY, lldpLocManAddrIndexes,
     lldpLocManAddrColumns, Sorted::no, TimeFilter::no, nullptr, &TableEngine::localManagementAddressRows};
 
+// A reader of a column of the Root's value records of type Lldp::Snmp::Record.
+#define LLDP_RECORD_READER(Record, expression)                                                     \
+  [](void const* r, unsigned char* b, int n) {                                                     \
+    using Holder = Lldp::Snmp::ValueHolder<Lldp::Snmp::Record>;                                    \
+    Lldp::Snmp::Record const& row = static_cast<Holder const*>(r)->value;                          \
+    return expression;                                                                             \
+  }
+
+// The remote tables: the mark leads every index, as a condition on the rows
+// rather than a part of their key.
+IndexDesc const lldpRemIndexes[] = {
+    {"lldpRemTimeMark", ASN_TIMETICKS}, {"lldpRemLocalPortNum", ASN_INTEGER}, {"lldpRemIndex", ASN_INTEGER}};
+// Read through the neighbour at the time of the request: a row without one
+// answers zeros and empty strings, and its identifiers fail their bound.
+ColumnDesc const lldpRemColumns[] = {
+    {4, "lldpRemChassisIdSubtype", "chassisIdSubtype", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
+     LLDP_COLUMN_READER(RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.chassisIdSubtype()), b, n))},
+    {5, "lldpRemChassisId", "chassisId", "StringToAsnOctetString", ASN_OCTET_STR, 255, 1, 255,
+     LLDP_COLUMN_READER(RemoteSystem, Snmp::StringToAsnOctetStringF()(row.chassisId().value(), b, n))},
+    {6, "lldpRemPortIdSubtype", "portIdSubtype", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
+     LLDP_COLUMN_READER(RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.portIdSubtype()), b, n))},
+    {7, "lldpRemPortId", "portId", "StringToAsnOctetString", ASN_OCTET_STR, 255, 1, 255,
+     LLDP_COLUMN_READER(RemoteSystem, Snmp::StringToAsnOctetStringF()(row.portId().value(), b, n))},
+    {8, "lldpRemPortDesc", "portDesc", "StringToAsnOctetString", ASN_OCTET_STR, 255, 0, 255,
+     LLDP_COLUMN_READER(RemoteSystem, Snmp::StringToAsnOctetStringF()(row.portDesc().value(), b, n))},
+    {9, "lldpRemSysName", "sysName", "StringToAsnOctetString", ASN_OCTET_STR, 255, 0, 255,
+     LLDP_COLUMN_READER(RemoteSystem, Snmp::StringToAsnOctetStringF()(row.sysName().value(), b, n))},
+    {10, "lldpRemSysDesc", "sysDesc", "StringToAsnOctetString", ASN_OCTET_STR, 255, 0, 255,
+     LLDP_COLUMN_READER(RemoteSystem, Snmp::StringToAsnOctetStringF()(row.sysDesc().value(), b, n))},
+    {11, "lldpRemSysCapSupported", "sysCapSupported", "SystemCapabilitiesMapToAsnBits", ASN_OCTET_STR, 1024, 0,
+     noLength, LLDP_COLUMN_READER(RemoteSystem, SystemCapabilitiesMapToAsnBits(row.sysCapSupported(), b, n))},
+    {12, "lldpRemSysCapEnabled", "sysCapEnabled", "SystemCapabilitiesMapToAsnBits", ASN_OCTET_STR, 1024, 0,
+     noLength, LLDP_COLUMN_READER(RemoteSystem, SystemCapabilitiesMapToAsnBits(row.sysCapEnabled(), b, n))},
+};
+constexpr TableDesc lldpRemTableDesc{
+    "lldpRemTable", {1, 0, 8802, 1, 1, 2, 1, 4, 1}, HANDLER_CAN_RONLY, lldpRemIndexes, lldpRemColumns, Sorted::yes,
+    TimeFilter::yes, nullptr, &TableEngine::remoteSystemRows};
+
+// Like the local address tables, unsorted and without a hint: every request
+// filters the whole collection. The columns read the record's copy.
+IndexDesc const lldpRemManAddrIndexes[] = {{"lldpRemTimeMark", ASN_TIMETICKS},
+                                           {"lldpRemLocalPortNum", ASN_INTEGER},
+                                           {"lldpRemIndex", ASN_INTEGER},
+                                           {"lldpRemManAddrSubtype", ASN_INTEGER},
+                                           {"lldpRemManAddr", ASN_OCTET_STR}};
+ColumnDesc const lldpRemManAddrColumns[] = {
+    {3, "lldpRemManAddrIfSubtype", "ifSubtype", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
+     LLDP_RECORD_READER(RemoteManagementAddress, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.ifSubtype()), b, n))},
+    {4, "lldpRemManAddrIfId", "ifId", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
+     LLDP_RECORD_READER(RemoteManagementAddress, Snmp::S32ToAsnIntegerF()(row.ifId(), b, n))},
+    {5, "lldpRemManAddrOID", "oid", "SnmpObjectIdentifierToAsnOid", ASN_OBJECT_ID, 1024, 0, noLength,
+     LLDP_RECORD_READER(RemoteManagementAddress, Snmp::SnmpObjectIdentifierToAsnOidF()(row.oid(), b, n))},
+};
+constexpr TableDesc lldpRemManAddrTableDesc{
+    "lldpRemManAddrTable", {1, 0, 8802, 1, 1, 2, 1, 4, 2}, HANDLER_CAN_RONLY, lldpRemManAddrIndexes,
+    lldpRemManAddrColumns, Sorted::no, TimeFilter::yes, nullptr, &TableEngine::remoteManagementAddressRows};
+
+IndexDesc const lldpRemUnknownTLVIndexes[] = {{"lldpRemTimeMark", ASN_TIMETICKS},
+                                              {"lldpRemLocalPortNum", ASN_INTEGER},
+                                              {"lldpRemIndex", ASN_INTEGER},
+                                              {"lldpRemUnknownTLVType", ASN_INTEGER}};
+ColumnDesc const lldpRemUnknownTLVColumns[] = {
+    {2, "lldpRemUnknownTLVInfo", "info", "StringToAsnOctetString", ASN_OCTET_STR, 511, 0, 511,
+     LLDP_RECORD_READER(RemoteUnknownTlv, Snmp::StringToAsnOctetStringF()(row.info().value(), b, n))},
+};
+constexpr TableDesc lldpRemUnknownTLVTableDesc{
+    "lldpRemUnknownTLVTable", {1, 0, 8802, 1, 1, 2, 1, 4, 3}, HANDLER_CAN_RONLY, lldpRemUnknownTLVIndexes,
+    lldpRemUnknownTLVColumns, Sorted::yes, TimeFilter::yes, nullptr, &TableEngine::remoteUnknownTlvRows};
+
+// The OUI is an implied string of a fixed three octets: three sub-identifiers, no length.
+IndexDesc const lldpRemOrgDefInfoIndexes[] = {{"lldpRemTimeMark", ASN_TIMETICKS},
+                                              {"lldpRemLocalPortNum", ASN_INTEGER},
+                                              {"lldpRemIndex", ASN_INTEGER},
+                                              {"lldpRemOrgDefInfoOUI", ASN_PRIV_IMPLIED_OCTET_STR},
+                                              {"lldpRemOrgDefInfoSubtype", ASN_INTEGER},
+                                              {"lldpRemOrgDefInfoIndex", ASN_INTEGER}};
+ColumnDesc const lldpRemOrgDefInfoColumns[] = {
+    {4, "lldpRemOrgDefInfo", "orgDefInfo", "StringToAsnOctetString", ASN_OCTET_STR, 507, 0, 507,
+     LLDP_RECORD_READER(RemoteUnknownOrgDefTlv, Snmp::StringToAsnOctetStringF()(row.orgDefInfo().value(), b, n))},
+};
+constexpr TableDesc lldpRemOrgDefInfoTableDesc{
+    "lldpRemOrgDefInfoTable", {1, 0, 8802, 1, 1, 2, 1, 4, 4}, HANDLER_CAN_RONLY, lldpRemOrgDefInfoIndexes,
+    lldpRemOrgDefInfoColumns, Sorted::yes, TimeFilter::yes, nullptr, &TableEngine::remoteUnknownOrgDefTlvRows};
+
+#undef LLDP_RECORD_READER
 #undef LLDP_COLUMN_READER
 
 }  // namespace
@@ -253,6 +340,10 @@ TABLE_ENGINE_TABLE(lldpStatsTxPortTable, lldpMIB)
 TABLE_ENGINE_TABLE(lldpStatsRxPortTable, lldpMIB)
 TABLE_ENGINE_TABLE(lldpLocPortTable, lldpMIB)
 TABLE_ENGINE_TABLE(lldpLocManAddrTable, lldpMIB)
+TABLE_ENGINE_TABLE(lldpRemTable, lldpMIB)
+TABLE_ENGINE_TABLE(lldpRemManAddrTable, lldpMIB)
+TABLE_ENGINE_TABLE(lldpRemUnknownTLVTable, lldpMIB)
+TABLE_ENGINE_TABLE(lldpRemOrgDefInfoTable, lldpMIB)
 
 void init_LldpMIB(Zet::String context) {
   auto const snmpConfig = SnmpUtil::getSnmpConfig();

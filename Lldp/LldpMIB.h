@@ -46,6 +46,10 @@ LLDP_MIB_SCALARS(LLDP_MIB_DECLARE_SCALAR_HANDLER)
   X(lldpStatsTxPortTable)   \
   X(lldpStatsRxPortTable)   \
   X(lldpLocPortTable)       \
-  X(lldpLocManAddrTable)
+  X(lldpLocManAddrTable)    \
+  X(lldpRemTable)           \
+  X(lldpRemManAddrTable)    \
+  X(lldpRemUnknownTLVTable) \
+  X(lldpRemOrgDefInfoTable)
 
 LLDP_MIB_TABLES(TABLE_ENGINE_DECLARE_TABLE)
