@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "AgentProcess.h"
+#include "Golden.h"
 #include "AgentSuite.h"
 #include "SnmpClient.h"
 
@@ -26,19 +27,6 @@ namespace {
 
 std::string const dot1 = "1.0.8802.1.1.2.1.5.32962.1.";
 std::string const dot3 = "1.0.8802.1.1.2.1.5.4623.1.";
-
-struct Expected {
-  std::string oid;
-  int type;
-  long integer;
-  std::string bytes;  // of an OCTET STRING
-};
-
-struct Table {
-  char const* name;
-  std::string oid;
-  std::vector<Expected> rows;
-};
 
 // The remote rows carry the mark 0 of a walk, then port and remote index:
 // alpha is 1.1, beta 1.2, gamma 5.3.
@@ -149,16 +137,6 @@ std::vector<Table> const tables = {
      }},
 };
 
-void expectValue(VarBind const& got, Expected const& want) {
-  EXPECT_EQ(got.oid, want.oid);
-  EXPECT_EQ(got.type, want.type) << want.oid;
-  if (want.type == ASN_OCTET_STR) {
-    EXPECT_EQ(got.bytes, want.bytes) << want.oid;
-  } else {
-    EXPECT_EQ(got.integer, want.integer) << want.oid;
-  }
-}
-
 class ExtensionTables : public AgentSuite<ExtensionTables> {
  public:
   static std::vector<std::string> arguments() { return onScenario("extension-tables.json"); }
@@ -166,14 +144,7 @@ class ExtensionTables : public AgentSuite<ExtensionTables> {
 
 TEST_F(ExtensionTables, EachTableWalksExactlyItsRowsInOidOrder) {
   auto c = client();
-  for (Table const& table : tables) {
-    SCOPED_TRACE(table.name);
-    auto const walked = c.walk(table.oid);
-    ASSERT_EQ(walked.size(), table.rows.size());
-    for (std::size_t i = 0; i < walked.size(); ++i) {
-      expectValue(walked[i], table.rows[i]);
-    }
-  }
+  expectWalks(c, tables);
 }
 
 TEST_F(ExtensionTables, GetFindsAnInstanceOnlyWhereItsRowIsShown) {
@@ -242,10 +213,7 @@ TEST_F(ExtensionTables, WalkMatchesTheTypesAndBitNamesOfTheMibModules) {
     GTEST_SKIP() << "no MIB modules at " << LLDP_SNMP_MIBS_DIR;
   }
   int status = 0;
-  std::string const output = runCommand("snmpwalk -v2c -c public -M +" + std::string(LLDP_SNMP_MIBS_DIR) +
-                                            " -m LLDP-MIB:LLDP-EXT-DOT1-MIB:LLDP-EXT-DOT3-MIB " + agent_->peer() +
-                                            " 1.0.8802.1.1.2.1.5 2>&1",
-                                        &status);
+  std::string const output = walkWithMibs(agent_->peer(), "1.0.8802.1.1.2.1.5", &status);
   EXPECT_EQ(status, 0) << output;
   EXPECT_EQ(output.find("Wrong Type"), std::string::npos) << output;
   char const* const lines[] = {
@@ -272,17 +240,6 @@ std::string const flagsUp = R"({"ports": [{"name": "e1", "neighbors": [{
   "vlanName": [{"vlanId": 12, "vlanName": ""}], "protocolIdentityInfo": [{"index": 1, "protocolId": ""}],
   "portVlanIdTlvReceived": true, "macPhyConfigStatusTlvReceived": true, "powerViaMdiTlvReceived": true,
   "linkAggregationTlvReceived": true, "maximumFrameSizeTlvReceived": true}]}]})";
-
-// Polls `done` every 20 ms, at most 250 times.
-bool waitUntil(std::function<bool()> const& done) {
-  for (int round = 0; round < 250; ++round) {
-    if (done()) {
-      return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return done();
-}
 
 class ExtensionTablesOfAFile : public testing::Test {
  protected:

@@ -34,23 +34,6 @@ std::string readFile(std::string const& path) {
   return s.str();
 }
 
-void writeFile(std::string const& path, std::string const& text) {
-  std::ofstream out(path, std::ios::trunc);
-  out << text;
-}
-
-// Polls `done` every 50 ms for up to about `seconds`.
-bool waitUntil(std::function<bool()> const& done, double seconds) {
-  auto const rounds = static_cast<int>(seconds * 20);
-  for (int round = 0; round < rounds; ++round) {
-    if (done()) {
-      return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-  }
-  return done();
-}
-
 // The lines of `text` that hold `part`.
 std::vector<std::string> linesWith(std::string const& text, std::string const& part) {
   std::vector<std::string> result;

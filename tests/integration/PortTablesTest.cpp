@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "AgentProcess.h"
+#include "Golden.h"
 #include "AgentSuite.h"
 #include "SnmpClient.h"
 
@@ -23,19 +24,6 @@ std::string const& data = integrationData;
 // The index of the two local addresses: subtype, length, bytes.
 std::string const ipv4 = "1.4.192.0.2.1";                             // 192.0.2.1
 std::string const ipv6 = "2.16.32.1.13.184.0.0.0.0.0.0.0.0.0.0.0.1";  // 2001:db8::1
-
-struct Expected {
-  std::string oid;
-  int type;
-  long integer;
-  std::string text;  // the bytes of an OCTET STRING, the dotted value of an OBJECT IDENTIFIER
-};
-
-struct Table {
-  char const* name;
-  char const* oid;
-  std::vector<Expected> rows;
-};
 
 std::vector<Table> const tables = {
     {"lldpPortConfigTable",
@@ -116,19 +104,6 @@ std::vector<Table> const tables = {
      }},
 };
 
-void expectValue(VarBind const& got, Expected const& want) {
-  EXPECT_EQ(got.oid, want.oid);
-  EXPECT_EQ(got.type, want.type) << want.oid;
-  if (want.type == ASN_OCTET_STR) {
-    EXPECT_EQ(got.bytes, want.text) << want.oid;
-  } else if (want.type == ASN_OBJECT_ID) {
-    EXPECT_EQ(got.objectId, want.text) << want.oid;
-  } else {
-    EXPECT_EQ(static_cast<unsigned long>(got.integer) & 0xffffffffUL, static_cast<unsigned long>(want.integer))
-        << want.oid;
-  }
-}
-
 class PortTables : public AgentSuite<PortTables> {
  public:
   static std::vector<std::string> arguments() { return onScenario("port-tables.json"); }
@@ -136,14 +111,7 @@ class PortTables : public AgentSuite<PortTables> {
 
 TEST_F(PortTables, EachTableWalksExactlyItsRowsInOidOrder) {
   auto c = client();
-  for (Table const& table : tables) {
-    SCOPED_TRACE(table.name);
-    auto const walked = c.walk(table.oid);
-    ASSERT_EQ(walked.size(), table.rows.size());
-    for (std::size_t i = 0; i < walked.size(); ++i) {
-      expectValue(walked[i], table.rows[i]);
-    }
-  }
+  expectWalks(c, tables);
 }
 
 TEST_F(PortTables, GetOfOneAddressInstanceFindsItsRow) {
@@ -196,10 +164,7 @@ TEST_F(PortTables, WalkMatchesTheTypesOfTheMibModules) {
   }
   int status = 0;
   std::string const output =
-      runCommand("snmpwalk -v2c -c public -M +" + std::string(LLDP_SNMP_MIBS_DIR) +
-                     " -m LLDP-MIB:LLDP-EXT-DOT1-MIB:LLDP-EXT-DOT3-MIB " + agent_->peer() +
-                     " LLDP-MIB::lldpObjects 2>&1",
-                 &status);
+      walkWithMibs(agent_->peer(), "LLDP-MIB::lldpObjects", &status);
   EXPECT_EQ(status, 0) << output;
   EXPECT_EQ(output.find("Wrong Type"), std::string::npos) << output;
   EXPECT_NE(output.find("LLDP-MIB::lldpPortConfigTLVsTxEnable.1 = BITS: 90 portDesc(0) sysCap(3)"),

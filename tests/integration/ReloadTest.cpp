@@ -39,22 +39,6 @@ std::string const secondScenario = R"({
   "ports": [{"name": "e1", "neighbors": [{"msap": {"chassisId": "alpha"}, "sysName": "alpha"},
                                          {"msap": {"chassisId": "beta"}, "sysName": "beta"}]}]})";
 
-void writeFile(std::string const& path, std::string const& text) {
-  std::ofstream out(path, std::ios::trunc);
-  out << text;
-}
-
-// Polls `done` every 20 ms, at most 250 times.
-bool waitUntil(std::function<bool()> const& done) {
-  for (int round = 0; round < 250; ++round) {
-    if (done()) {
-      return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return done();
-}
-
 class Reload : public testing::Test {
  protected:
   void SetUp() override {

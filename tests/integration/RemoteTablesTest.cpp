@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "AgentProcess.h"
+#include "Golden.h"
 #include "AgentSuite.h"
 #include "SnmpClient.h"
 
@@ -40,31 +41,6 @@ std::string const dot1Oui = ".0.128.194";  // 00-80-c2
 std::string const dot3Oui = ".0.18.15";    // 00-12-0f
 
 std::string column(std::string const& table, int number) { return table + ".1." + std::to_string(number); }
-
-struct Expected {
-  std::string oid;
-  int type;
-  long integer;
-  std::string text;  // the bytes of an OCTET STRING, the dotted value of an OBJECT IDENTIFIER
-};
-
-void expectValue(VarBind const& got, Expected const& want) {
-  EXPECT_EQ(got.oid, want.oid);
-  EXPECT_EQ(got.type, want.type) << want.oid;
-  if (want.type == ASN_OCTET_STR) {
-    EXPECT_EQ(got.bytes, want.text) << want.oid;
-  } else if (want.type == ASN_OBJECT_ID) {
-    EXPECT_EQ(got.objectId, want.text) << want.oid;
-  } else if (want.type == ASN_INTEGER) {
-    EXPECT_EQ(got.integer, want.integer) << want.oid;
-  }
-}
-
-struct Table {
-  char const* name;
-  std::string oid;
-  std::vector<Expected> rows;
-};
 
 std::vector<Table> const tables = {
     {"lldpRemTable",
@@ -126,14 +102,7 @@ class RemoteTables : public AgentSuite<RemoteTables> {
 
 TEST_F(RemoteTables, EachTableWalksExactlyItsRowsInOidOrder) {
   auto c = client();
-  for (Table const& table : tables) {
-    SCOPED_TRACE(table.name);
-    auto const walked = c.walk(table.oid);
-    ASSERT_EQ(walked.size(), table.rows.size());
-    for (std::size_t i = 0; i < walked.size(); ++i) {
-      expectValue(walked[i], table.rows[i]);
-    }
-  }
+  expectWalks(c, tables);
 }
 
 TEST_F(RemoteTables, GetNextWithAMarkSkipsNeighboursThatChangedBeforeIt) {
@@ -229,10 +198,7 @@ TEST_F(RemoteTables, WalkMatchesTheTypesOfTheMibModules) {
   }
   int status = 0;
   std::string const output =
-      runCommand("snmpwalk -v2c -c public -M +" + std::string(LLDP_SNMP_MIBS_DIR) +
-                     " -m LLDP-MIB:LLDP-EXT-DOT1-MIB:LLDP-EXT-DOT3-MIB " + agent_->peer() +
-                     " LLDP-MIB::lldpRemoteSystemsData 2>&1",
-                 &status);
+      walkWithMibs(agent_->peer(), "LLDP-MIB::lldpRemoteSystemsData", &status);
   EXPECT_EQ(status, 0) << output;
   EXPECT_EQ(output.find("Wrong Type"), std::string::npos) << output;
   EXPECT_NE(output.find("LLDP-MIB::lldpRemSysCapSupported.0.1.1 = BITS: 28 00 bridge(2) router(4)"),
@@ -257,22 +223,6 @@ std::string const betaOnly = R"({"ports": [
     "managementAddress": [{"manAddrSubtype": 1, "manAddr": "192.0.2.2", "ifSubtype": "ifIndex", "ifId": 2,
                            "oid": "0.0"}],
     "unknownOrgDefTlv": [{"oui": "00-80-c2", "subtype": 7, "index": 1, "orgDefInfo": "b"}]}]}]})";
-
-void writeFile(std::string const& path, std::string const& text) {
-  std::ofstream out(path, std::ios::trunc);
-  out << text;
-}
-
-// Polls `done` every 20 ms, at most 250 times.
-bool waitUntil(std::function<bool()> const& done) {
-  for (int round = 0; round < 250; ++round) {
-    if (done()) {
-      return true;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return done();
-}
 
 class RemoteTablesReload : public testing::Test {
  protected:

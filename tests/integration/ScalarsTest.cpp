@@ -15,19 +15,13 @@
 #include <sys/wait.h>
 
 #include "AgentProcess.h"
+#include "Golden.h"
 #include "AgentSuite.h"
 #include "SnmpClient.h"
 
 namespace {
 
 std::string const& data = integrationData;
-
-struct Expected {
-  char const* oid;
-  int type;
-  long integer;
-  std::string bytes;
-};
 
 class Scalars : public AgentSuite<Scalars> {
  public:
@@ -60,13 +54,7 @@ TEST_F(Scalars, EveryScalarHasItsValueAndType) {
     ASSERT_FALSE(r.timedOut);
     ASSERT_EQ(r.errorStatus, SNMP_ERR_NOERROR);
     ASSERT_EQ(r.varBinds.size(), 1u);
-    EXPECT_EQ(r.varBinds[0].type, e.type);
-    if (e.type == ASN_OCTET_STR) {
-      EXPECT_EQ(r.varBinds[0].bytes, e.bytes);
-    } else {
-      EXPECT_EQ(static_cast<unsigned long>(r.varBinds[0].integer) & 0xffffffffUL,
-                static_cast<unsigned long>(e.integer));
-    }
+    expectValue(r.varBinds[0], e);
   }
 }
 
@@ -117,10 +105,7 @@ TEST_F(Scalars, WalkMatchesTheTypesOfTheMibModules) {
   }
   int status = 0;
   std::string const output =
-      runCommand("snmpwalk -v2c -c public -M +" + std::string(LLDP_SNMP_MIBS_DIR) +
-                     " -m LLDP-MIB:LLDP-EXT-DOT1-MIB:LLDP-EXT-DOT3-MIB " + agent_->peer() +
-                     " LLDP-MIB::lldpObjects 2>&1",
-                 &status);
+      walkWithMibs(agent_->peer(), "LLDP-MIB::lldpObjects", &status);
   EXPECT_EQ(status, 0) << output;
   EXPECT_EQ(output.find("Wrong Type"), std::string::npos) << output;
   EXPECT_NE(output.find("LLDP-MIB::lldpNotificationInterval.0 = INTEGER: 5"), std::string::npos) << output;

@@ -105,6 +105,22 @@ std::string runCommand(std::string const& command, int* status) {
   return output;
 }
 
+void writeFile(std::string const& path, std::string const& text) {
+  std::ofstream out(path, std::ios::trunc);
+  out << text;
+}
+
+bool waitUntil(std::function<bool()> const& done, double seconds) {
+  auto const rounds = static_cast<int>(seconds * 50);
+  for (int round = 0; round < rounds; ++round) {
+    if (done()) {
+      return true;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  return done();
+}
+
 AgentProcess::AgentProcess(std::vector<std::string> const& arguments)
     : port_(freeUdpPort()), directory_(makeTempDirectory()) {
   std::vector<std::string> words{LLDP_SNMP_AGENT_PATH, "--listen", "udp:127.0.0.1:" + std::to_string(port_),

@@ -2,6 +2,7 @@
 // The real lldp-snmp-agent as a child process on a free loopback port, with
 // its own persistent directory; stopped with SIGTERM when the object goes.
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -45,3 +46,7 @@ int freeUdpPort();
 std::string makeTempDirectory();
 // Runs a shell command, gives its standard output (and its exit status through `status`).
 std::string runCommand(std::string const& command, int* status = nullptr);
+// Replaces the file's content.
+void writeFile(std::string const& path, std::string const& text);
+// Polls `done` every 20 ms until it holds or `seconds` have passed; gives its last answer.
+bool waitUntil(std::function<bool()> const& done, double seconds = 5.0);

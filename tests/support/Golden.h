@@ -1,0 +1,30 @@
+#pragma once
+// Golden data for walks over SNMP: the expected OID, type and value of each
+// object, compared with what the agent answered.
+
+#include <string>
+#include <vector>
+
+#include "SnmpClient.h"
+
+struct Expected {
+  std::string oid;
+  int type;
+  long integer;      // INTEGER, Gauge32, Counter32, TimeTicks, compared as 32 bits
+  std::string text;  // the bytes of an OCTET STRING, the dotted value of an OBJECT IDENTIFIER
+};
+
+struct Table {
+  char const* name;
+  std::string oid;
+  std::vector<Expected> rows;
+};
+
+// One failure per mismatching part, naming the OID.
+void expectValue(VarBind const& got, Expected const& want);
+// Walks each table and expects exactly its rows, in order.
+void expectWalks(SnmpClient& client, std::vector<Table> const& tables);
+
+// snmpwalk of `object` with the IEEE MIB modules loaded, so that a served type
+// unlike the MIB's shows as "Wrong Type"; standard output and error together.
+std::string walkWithMibs(std::string const& peer, std::string const& object, int* status);
