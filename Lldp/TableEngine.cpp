@@ -112,16 +112,16 @@ struct Rows {
 
 namespace {
 
-// What one collection adds to the walk, as a Spec:
+// What one collection adds to the walk, as traits:
 //   collection(root)        the Root's collection;
 //   write(row, writer)      the row's index, after a time filter's mark;
 //   keyType, key(values)    how a hint becomes a key: only for collections of
 //                           tables that take a hint; a range exception from
 //                           key() makes the hint unusable;
 //   timeMark(row)           only for the remote collections.
-template <class Spec>
+template <class Traits>
 struct RowsOf {
-  using Map = std::remove_cvref_t<decltype(Spec::collection(std::declval<Root const&>()))>;
+  using Map = std::remove_cvref_t<decltype(Traits::collection(std::declval<Root const&>()))>;
   using Iterator = typename Map::IteratorConst;
   using Row = std::remove_cvref_t<decltype(*std::declval<Iterator const&>().get())>;
   using Key = std::remove_cvref_t<decltype(std::declval<Row const&>().fwkKey())>;
@@ -130,20 +130,20 @@ struct RowsOf {
   static Row const& rowOf(void const* row) { return *static_cast<Row const*>(row); }
   static void* adopt(Iterator it) { return std::make_unique<Iterator>(std::move(it)).release(); }
 
-  static void* first(Root const& root) { return adopt(Spec::collection(root).iterator()); }
+  static void* first(Root const& root) { return adopt(Traits::collection(root).iterator()); }
 
   static void* atHint(Root const& root, HintValues const& values, TableDesc const& table) {
-    if constexpr (requires { Spec::key(values); }) {
+    if constexpr (requires { Traits::key(values); }) {
       std::optional<Key> key;
       try {
         [[maybe_unused]] Zet::Expect const rangeMayRaise;
-        key.emplace(Spec::key(values));
+        key.emplace(Traits::key(values));
       } catch (Zet::RangeException const& e) {
-        ZET_TRACE(_defaultTraceHandle(), 0) << "Bad hint for " << table.name << ": " << Spec::keyType
+        ZET_TRACE(_defaultTraceHandle(), 0) << "Bad hint for " << table.name << ": " << Traits::keyType
                                             << " ctor threw exception: " << e.what();
         return nullptr;
       }
-      auto const& map = Spec::collection(root);
+      auto const& map = Traits::collection(root);
       Row const* const row = map.atOrAbove(*key);
       if (!row || !(row->fwkKey() == *key)) {
         ZET_TRACE(_defaultTraceHandle(), 2) << table.name << "_get_first_data_point - key '" << *key
@@ -162,11 +162,11 @@ struct RowsOf {
   static void advance(void* context) { static_cast<Iterator*>(context)->advance(); }
   static void destroy(void* context) { std::unique_ptr<Iterator> const gone(static_cast<Iterator*>(context)); }
   static void const* row(void const* context) { return as(context)->get(); }
-  static void writeIndexes(void const* row, IndexWriter& writer) { Spec::write(rowOf(row), writer); }
+  static void writeIndexes(void const* row, IndexWriter& writer) { Traits::write(rowOf(row), writer); }
   static void streamKey(std::ostream& os, void const* row) { os << rowOf(row).fwkKey(); }
   static double timeMark(void const* row) {
-    if constexpr (requires(Row const& r) { Spec::timeMark(r); }) {
-      return Spec::timeMark(rowOf(row));
+    if constexpr (requires(Row const& r) { Traits::timeMark(r); }) {
+      return Traits::timeMark(rowOf(row));
     } else {
       (void)row;
       return 0.0;
@@ -174,9 +174,9 @@ struct RowsOf {
   }
 };
 
-template <class Spec>
+template <class Traits>
 constexpr Rows rowsOf() {
-  using R = RowsOf<Spec>;
+  using R = RowsOf<Traits>;
   return {R::first, R::atHint, R::copy, R::assign, R::advance, R::destroy, R::row, R::writeIndexes, R::streamKey,
           R::timeMark};
 }

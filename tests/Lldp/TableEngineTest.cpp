@@ -317,24 +317,24 @@ TEST_F(TableWalk, TheTimeFilterPassesRowsUpToTwoTicksPastTheirChangeAndKeepsTheM
 // request with its varbind, its column and the row it found (or none).
 class Requests {
  public:
-  struct Spec {
+  struct RequestShape {
     unsigned int column;
     void const* context;  // an iterator of the table's collection; null: no row found
     bool processed = false;
   };
-  Requests(int mode, std::vector<Spec> const& specs) : infos_(specs.size()), requests_(specs.size()) {
+  Requests(int mode, std::vector<RequestShape> const& shapes) : infos_(shapes.size()), requests_(shapes.size()) {
     reqinfo_.mode = mode;
-    for (std::size_t i = 0; i < specs.size(); ++i) {
+    for (std::size_t i = 0; i < shapes.size(); ++i) {
       auto& r = requests_[i];
       r.agent_req_info = &reqinfo_;
-      r.processed = specs[i].processed;
-      r.next = i + 1 < specs.size() ? &requests_[i + 1] : nullptr;
+      r.processed = shapes[i].processed;
+      r.next = i + 1 < shapes.size() ? &requests_[i + 1] : nullptr;
       snmp_varlist_add_variable(&r.requestvb, nullptr, 0, ASN_NULL, nullptr, 0);
-      infos_[i].colnum = specs[i].column;
+      infos_[i].colnum = shapes[i].column;
       netsnmp_request_add_list_data(&r, netsnmp_create_data_list(TABLE_HANDLER_NAME, &infos_[i], nullptr));
-      if (specs[i].context) {
+      if (shapes[i].context) {
         netsnmp_request_add_list_data(
-            &r, netsnmp_create_data_list(TABLE_ITERATOR_NAME, const_cast<void*>(specs[i].context), nullptr));
+            &r, netsnmp_create_data_list(TABLE_ITERATOR_NAME, const_cast<void*>(shapes[i].context), nullptr));
       }
     }
   }
