@@ -153,24 +153,17 @@ using TableEngine::Sorted;
 using TableEngine::TableDesc;
 using TableEngine::TimeFilter;
 
-// A reader of a column of the Root's rows of type Lldp::Snmp::Row.
-#define LLDP_COLUMN_READER(Row, expression)                                \
-  [](void const* r, unsigned char* b, int n) {                             \
-    Lldp::Snmp::Row const& row = *static_cast<Lldp::Snmp::Row const*>(r); \
-    return expression;                                                     \
-  }
-
 // lldpPortConfigTable: writable in the MIB, and every SET is refused all the same.
 IndexDesc const lldpPortConfigIndexes[] = {{"lldpPortConfigPortNum", ASN_INTEGER}};
 ColumnDesc const lldpPortConfigColumns[] = {
     {2, "lldpPortConfigAdminStatus", "adminStatus", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_COLUMN_READER(PortConfig, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.adminStatus()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::PortConfig, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.adminStatus()), b, n))},
     // True whenever the port has a configuration: no per-port setting exists.
     {3, "lldpPortConfigNotificationEnable", "notificationEnable", "BoolToAsnInteger", ASN_INTEGER, 1024, 0,
-     noLength, LLDP_COLUMN_READER(PortConfig, Snmp::BoolToAsnIntegerF()(row.notificationEnable(), b, n))},
+     noLength, TABLE_ENGINE_READER(Lldp::Snmp::PortConfig, Snmp::BoolToAsnIntegerF()(row.notificationEnable(), b, n))},
     // A raw value above 0xf raises the range exception here, out of the handler.
     {4, "lldpPortConfigTLVsTxEnable", "enabledTlvs", "EnabledTlvsToAsnBits", ASN_OCTET_STR, 1024, 0, noLength,
-     LLDP_COLUMN_READER(PortConfig, EnabledTlvsToAsnBits(Lldp::PortConfig::EnabledTlvs(row.enabledTlvs()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::PortConfig, EnabledTlvsToAsnBits(Lldp::PortConfig::EnabledTlvs(row.enabledTlvs()), b, n))},
 };
 constexpr TableDesc lldpPortConfigTableDesc{
     "lldpPortConfigTable", {1, 0, 8802, 1, 1, 2, 1, 1, 6}, HANDLER_CAN_RWRITE, lldpPortConfigIndexes,
@@ -182,7 +175,7 @@ IndexDesc const lldpLocManAddrIndexes[] = {{"lldpLocManAddrSubtype", ASN_INTEGER
 
 ColumnDesc const lldpConfigManAddrColumns[] = {
     {1, "lldpConfigManAddrPortsTxEnable", "portsTxEnable", "PortsTxEnableToAsnOctetString", ASN_OCTET_STR, 512, 0,
-     512, LLDP_COLUMN_READER(LocalManagementAddress, PortsTxEnableToAsnOctetString(row.portsTxEnable(), b, n))},
+     512, TABLE_ENGINE_READER(Lldp::Snmp::LocalManagementAddress, PortsTxEnableToAsnOctetString(row.portsTxEnable(), b, n))},
 };
 constexpr TableDesc lldpConfigManAddrTableDesc{
     "lldpConfigManAddrTable", {1, 0, 8802, 1, 1, 2, 1, 1, 7}, HANDLER_CAN_RWRITE, lldpLocManAddrIndexes,
@@ -191,7 +184,7 @@ constexpr TableDesc lldpConfigManAddrTableDesc{
 IndexDesc const lldpStatsTxPortIndexes[] = {{"lldpStatsTxPortNum", ASN_INTEGER}};
 ColumnDesc const lldpStatsTxPortColumns[] = {
     {2, "lldpStatsTxPortFramesTotal", "txFramesTotal", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0, noLength,
-     LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.txFramesTotal(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::PortStatus, Snmp::U32ToAsnUnsignedF()(row.txFramesTotal(), b, n))},
 };
 constexpr TableDesc lldpStatsTxPortTableDesc{
     "lldpStatsTxPortTable", {1, 0, 8802, 1, 1, 2, 1, 2, 6}, HANDLER_CAN_RONLY, lldpStatsTxPortIndexes,
@@ -200,18 +193,18 @@ constexpr TableDesc lldpStatsTxPortTableDesc{
 IndexDesc const lldpStatsRxPortIndexes[] = {{"lldpStatsRxPortNum", ASN_INTEGER}};
 ColumnDesc const lldpStatsRxPortColumns[] = {
     {2, "lldpStatsRxPortFramesDiscardedTotal", "rxFramesDiscardedTotal", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0,
-     noLength, LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxFramesDiscardedTotal(), b, n))},
+     noLength, TABLE_ENGINE_READER(Lldp::Snmp::PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxFramesDiscardedTotal(), b, n))},
     {3, "lldpStatsRxPortFramesErrors", "rxFramesErrors", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0, noLength,
-     LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxFramesErrors(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxFramesErrors(), b, n))},
     {4, "lldpStatsRxPortFramesTotal", "rxFramesTotal", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0, noLength,
-     LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxFramesTotal(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxFramesTotal(), b, n))},
     {5, "lldpStatsRxPortTLVsDiscardedTotal", "rxTLVsDiscardedTotal", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0,
-     noLength, LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxTLVsDiscardedTotal(), b, n))},
+     noLength, TABLE_ENGINE_READER(Lldp::Snmp::PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxTLVsDiscardedTotal(), b, n))},
     {6, "lldpStatsRxPortTLVsUnrecognizedTotal", "rxTLVsUnrecognizedTotal", "U32ToAsnUnsigned", ASN_COUNTER, 1024, 0,
-     noLength, LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxTLVsUnrecognizedTotal(), b, n))},
+     noLength, TABLE_ENGINE_READER(Lldp::Snmp::PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxTLVsUnrecognizedTotal(), b, n))},
     // The MIB makes the ageouts a Gauge32 among counters.
     {7, "lldpStatsRxPortAgeoutsTotal", "rxAgeoutsTotal", "U32ToAsnUnsigned", ASN_GAUGE, 1024, 0, noLength,
-     LLDP_COLUMN_READER(PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxAgeoutsTotal(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::PortStatus, Snmp::U32ToAsnUnsignedF()(row.rxAgeoutsTotal(), b, n))},
 };
 constexpr TableDesc lldpStatsRxPortTableDesc{
     "lldpStatsRxPortTable", {1, 0, 8802, 1, 1, 2, 1, 2, 7}, HANDLER_CAN_RONLY, lldpStatsRxPortIndexes,
@@ -220,12 +213,12 @@ constexpr TableDesc lldpStatsRxPortTableDesc{
 IndexDesc const lldpLocPortIndexes[] = {{"lldpLocPortNum", ASN_INTEGER}};
 ColumnDesc const lldpLocPortColumns[] = {
     {2, "lldpLocPortIdSubtype", "portIdSubtype", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_COLUMN_READER(LocalPort, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.portIdSubtype()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.portIdSubtype()), b, n))},
     // A port ID must not be empty (SIZE 1..255); a description may be.
     {3, "lldpLocPortId", "portId", "StringToAsnOctetString", ASN_OCTET_STR, 255, 1, 255,
-     LLDP_COLUMN_READER(LocalPort, Snmp::StringToAsnOctetStringF()(row.portId().value(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, Snmp::StringToAsnOctetStringF()(row.portId().value(), b, n))},
     {4, "lldpLocPortDesc", "portDesc", "StringToAsnOctetString", ASN_OCTET_STR, 255, 0, 255,
-     LLDP_COLUMN_READER(LocalPort, Snmp::StringToAsnOctetStringF()(row.portDesc().value(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, Snmp::StringToAsnOctetStringF()(row.portDesc().value(), b, n))},
 };
 constexpr TableDesc lldpLocPortTableDesc{
     "lldpLocPortTable", {1, 0, 8802, 1, 1, 2, 1, 3, 7}, HANDLER_CAN_RONLY, lldpLocPortIndexes, lldpLocPortColumns,
@@ -233,13 +226,13 @@ constexpr TableDesc lldpLocPortTableDesc{
 
 ColumnDesc const lldpLocManAddrColumns[] = {
     {3, "lldpLocManAddrLen", "manAddrLen", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_COLUMN_READER(LocalManagementAddress, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.manAddrLen()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalManagementAddress, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.manAddrLen()), b, n))},
     {4, "lldpLocManAddrIfSubtype", "ifSubtype", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_COLUMN_READER(LocalManagementAddress, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.ifSubtype()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalManagementAddress, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.ifSubtype()), b, n))},
     {5, "lldpLocManAddrIfId", "ifId", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_COLUMN_READER(LocalManagementAddress, Snmp::S32ToAsnIntegerF()(row.ifId(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalManagementAddress, Snmp::S32ToAsnIntegerF()(row.ifId(), b, n))},
     {6, "lldpLocManAddrOID", "oid", "SnmpObjectIdentifierToAsnOid", ASN_OBJECT_ID, 1024, 0, noLength,
-     LLDP_COLUMN_READER(LocalManagementAddress, Snmp::SnmpObjectIdentifierToAsnOidF()(row.oid(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalManagementAddress, Snmp::SnmpObjectIdentifierToAsnOidF()(row.oid(), b, n))},
 };
 constexpr TableDesc lldpLocManAddrTableDesc{
     "lldpLocManAddrTable", {1, 0, 8802, 1, 1, 2, 1, 3, 8}, HANDLER_CAN_RONLY, lldpLocManAddrIndexes,
@@ -261,23 +254,23 @@ IndexDesc const lldpRemIndexes[] = {
 // answers zeros and empty strings, and its identifiers fail their bound.
 ColumnDesc const lldpRemColumns[] = {
     {4, "lldpRemChassisIdSubtype", "chassisIdSubtype", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_COLUMN_READER(RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.chassisIdSubtype()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.chassisIdSubtype()), b, n))},
     {5, "lldpRemChassisId", "chassisId", "StringToAsnOctetString", ASN_OCTET_STR, 255, 1, 255,
-     LLDP_COLUMN_READER(RemoteSystem, Snmp::StringToAsnOctetStringF()(row.chassisId().value(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::StringToAsnOctetStringF()(row.chassisId().value(), b, n))},
     {6, "lldpRemPortIdSubtype", "portIdSubtype", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_COLUMN_READER(RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.portIdSubtype()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.portIdSubtype()), b, n))},
     {7, "lldpRemPortId", "portId", "StringToAsnOctetString", ASN_OCTET_STR, 255, 1, 255,
-     LLDP_COLUMN_READER(RemoteSystem, Snmp::StringToAsnOctetStringF()(row.portId().value(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::StringToAsnOctetStringF()(row.portId().value(), b, n))},
     {8, "lldpRemPortDesc", "portDesc", "StringToAsnOctetString", ASN_OCTET_STR, 255, 0, 255,
-     LLDP_COLUMN_READER(RemoteSystem, Snmp::StringToAsnOctetStringF()(row.portDesc().value(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::StringToAsnOctetStringF()(row.portDesc().value(), b, n))},
     {9, "lldpRemSysName", "sysName", "StringToAsnOctetString", ASN_OCTET_STR, 255, 0, 255,
-     LLDP_COLUMN_READER(RemoteSystem, Snmp::StringToAsnOctetStringF()(row.sysName().value(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::StringToAsnOctetStringF()(row.sysName().value(), b, n))},
     {10, "lldpRemSysDesc", "sysDesc", "StringToAsnOctetString", ASN_OCTET_STR, 255, 0, 255,
-     LLDP_COLUMN_READER(RemoteSystem, Snmp::StringToAsnOctetStringF()(row.sysDesc().value(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::StringToAsnOctetStringF()(row.sysDesc().value(), b, n))},
     {11, "lldpRemSysCapSupported", "sysCapSupported", "SystemCapabilitiesMapToAsnBits", ASN_OCTET_STR, 1024, 0,
-     noLength, LLDP_COLUMN_READER(RemoteSystem, SystemCapabilitiesMapToAsnBits(row.sysCapSupported(), b, n))},
+     noLength, TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, SystemCapabilitiesMapToAsnBits(row.sysCapSupported(), b, n))},
     {12, "lldpRemSysCapEnabled", "sysCapEnabled", "SystemCapabilitiesMapToAsnBits", ASN_OCTET_STR, 1024, 0,
-     noLength, LLDP_COLUMN_READER(RemoteSystem, SystemCapabilitiesMapToAsnBits(row.sysCapEnabled(), b, n))},
+     noLength, TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, SystemCapabilitiesMapToAsnBits(row.sysCapEnabled(), b, n))},
 };
 constexpr TableDesc lldpRemTableDesc{
     "lldpRemTable", {1, 0, 8802, 1, 1, 2, 1, 4, 1}, HANDLER_CAN_RONLY, lldpRemIndexes, lldpRemColumns, Sorted::yes,
@@ -330,7 +323,6 @@ constexpr TableDesc lldpRemOrgDefInfoTableDesc{
     lldpRemOrgDefInfoColumns, Sorted::yes, TimeFilter::yes, nullptr, &TableEngine::remoteUnknownOrgDefTlvRows};
 
 #undef LLDP_RECORD_READER
-#undef LLDP_COLUMN_READER
 
 }  // namespace
 

@@ -35,20 +35,13 @@ using TableEngine::Sorted;
 using TableEngine::TableDesc;
 using TableEngine::TimeFilter;
 
-// A reader of a column of the rows of type Row.
-#define LLDP_XDOT1_READER(Row, expression)               \
-  [](void const* r, unsigned char* b, int n) {           \
-    Row const& row = *static_cast<Row const*>(r);        \
-    return expression;                                   \
-  }
-
 // The two port tables extend lldpPortConfigTable and lldpLocPortTable, whose indexes they take.
 IndexDesc const portConfigIndexes[] = {{"lldpPortConfigPortNum", ASN_INTEGER}};
 IndexDesc const localPortIndexes[] = {{"lldpLocPortNum", ASN_INTEGER}};
 
 ColumnDesc const lldpXdot1ConfigPortVlanColumns[] = {
     {1, "lldpXdot1ConfigPortVlanTxEnable", "portVlanTxEnable", "BoolToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT1_READER(Lldp::Snmp::PortConfig, Snmp::BoolToAsnIntegerF()(row.portVlanTxEnable(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::PortConfig, Snmp::BoolToAsnIntegerF()(row.portVlanTxEnable(), b, n))},
 };
 constexpr TableDesc lldpXdot1ConfigPortVlanTableDesc{
     "lldpXdot1ConfigPortVlanTable", {1, 0, 8802, 1, 1, 2, 1, 5, 32962, 1, 1, 1}, HANDLER_CAN_RWRITE,
@@ -58,7 +51,7 @@ constexpr TableDesc lldpXdot1ConfigPortVlanTableDesc{
 // A port without a port VLAN is served with 0, the none value.
 ColumnDesc const lldpXdot1LocColumns[] = {
     {1, "lldpXdot1LocPortVlanId", "portVlanId", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT1_READER(Lldp::Snmp::LocalPort, Snmp::S32ToAsnIntegerF()(row.portVlanId().value(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, Snmp::S32ToAsnIntegerF()(row.portVlanId().value(), b, n))},
 };
 constexpr TableDesc lldpXdot1LocTableDesc{
     "lldpXdot1LocTable", {1, 0, 8802, 1, 1, 2, 1, 5, 32962, 1, 2, 1}, HANDLER_CAN_RONLY, localPortIndexes,
@@ -74,7 +67,7 @@ RowFilter const portVlanIdFilter{"portVlanIdTlvReceived", [](void const* context
                                  }};
 ColumnDesc const lldpXdot1RemColumns[] = {
     {1, "lldpXdot1RemPortVlanId", "portVlanId", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT1_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(row.portVlanId().value(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(row.portVlanId().value(), b, n))},
 };
 constexpr TableDesc lldpXdot1RemTableDesc{
     "lldpXdot1RemTable", {1, 0, 8802, 1, 1, 2, 1, 5, 32962, 1, 3, 1}, HANDLER_CAN_RONLY, remoteSystemIndexes,
@@ -88,10 +81,10 @@ IndexDesc const lldpXdot1RemProtoVlanIndexes[] = {{"lldpRemTimeMark", ASN_TIMETI
                                                   {"lldpXdot1RemProtoVlanId", ASN_INTEGER}};
 ColumnDesc const lldpXdot1RemProtoVlanColumns[] = {
     {2, "lldpXdot1RemProtoVlanSupported", "supported", "BoolToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT1_READER(Lldp::Snmp::Root::ZetRemotePortAndProtocolVlan,
+     TABLE_ENGINE_READER(Lldp::Snmp::Root::ZetRemotePortAndProtocolVlan,
                        Snmp::BoolToAsnIntegerF()(row.value.supported(), b, n))},
     {3, "lldpXdot1RemProtoVlanEnabled", "enabled", "BoolToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT1_READER(Lldp::Snmp::Root::ZetRemotePortAndProtocolVlan,
+     TABLE_ENGINE_READER(Lldp::Snmp::Root::ZetRemotePortAndProtocolVlan,
                        Snmp::BoolToAsnIntegerF()(row.value.enabled(), b, n))},
 };
 constexpr TableDesc lldpXdot1RemProtoVlanTableDesc{
@@ -106,7 +99,7 @@ IndexDesc const lldpXdot1RemVlanNameIndexes[] = {{"lldpRemTimeMark", ASN_TIMETIC
                                                  {"lldpXdot1RemVlanId", ASN_INTEGER}};
 ColumnDesc const lldpXdot1RemVlanNameColumns[] = {
     {2, "lldpXdot1RemVlanName", "vlanName", "StringToAsnOctetString", ASN_OCTET_STR, 32, 1, 32,
-     LLDP_XDOT1_READER(Lldp::Snmp::Root::ZetRemoteVlanName,
+     TABLE_ENGINE_READER(Lldp::Snmp::Root::ZetRemoteVlanName,
                        Snmp::StringToAsnOctetStringF()(row.value.vlanName().value(), b, n))},
 };
 constexpr TableDesc lldpXdot1RemVlanNameTableDesc{
@@ -120,7 +113,7 @@ IndexDesc const lldpXdot1RemProtocolIndexes[] = {{"lldpRemTimeMark", ASN_TIMETIC
                                                  {"lldpXdot1RemProtocolIndex", ASN_INTEGER}};
 ColumnDesc const lldpXdot1RemProtocolColumns[] = {
     {2, "lldpXdot1RemProtocolId", "protocolId", "StringToAsnOctetString", ASN_OCTET_STR, 255, 1, 255,
-     LLDP_XDOT1_READER(Lldp::Snmp::Root::ZetRemoteProtocolIdentityInfo,
+     TABLE_ENGINE_READER(Lldp::Snmp::Root::ZetRemoteProtocolIdentityInfo,
                        Snmp::StringToAsnOctetStringF()(row.value.protocolId().value(), b, n))},
 };
 constexpr TableDesc lldpXdot1RemProtocolTableDesc{
@@ -128,7 +121,6 @@ constexpr TableDesc lldpXdot1RemProtocolTableDesc{
     lldpXdot1RemProtocolIndexes, lldpXdot1RemProtocolColumns, Sorted::yes, TimeFilter::yes, nullptr,
     &TableEngine::remoteProtocolIdentityInfoRows};
 
-#undef LLDP_XDOT1_READER
 
 }  // namespace
 

@@ -35,13 +35,6 @@ using TableEngine::Sorted;
 using TableEngine::TableDesc;
 using TableEngine::TimeFilter;
 
-// A reader of a column of the Root's rows of type Lldp::Snmp::Row.
-#define LLDP_XDOT3_READER(Row, expression)                                 \
-  [](void const* r, unsigned char* b, int n) {                             \
-    Lldp::Snmp::Row const& row = *static_cast<Lldp::Snmp::Row const*>(r); \
-    return expression;                                                     \
-  }
-
 IndexDesc const portConfigIndexes[] = {{"lldpPortConfigPortNum", ASN_INTEGER}};
 IndexDesc const localPortIndexes[] = {{"lldpLocPortNum", ASN_INTEGER}};
 
@@ -49,7 +42,7 @@ IndexDesc const localPortIndexes[] = {{"lldpLocPortNum", ASN_INTEGER}};
 ColumnDesc const lldpXdot3PortConfigColumns[] = {
     {1, "lldpXdot3PortConfigTLVsTxEnable", "dot3EnabledTlvs", "Dot3EnabledTlvsToAsnBits", ASN_OCTET_STR, 1024, 0,
      noLength,
-     LLDP_XDOT3_READER(PortConfig, Dot3EnabledTlvsToAsnBits(
+     TABLE_ENGINE_READER(Lldp::Snmp::PortConfig, Dot3EnabledTlvsToAsnBits(
                                        Lldp::PortConfig::Dot3EnabledTlvs(row.dot3EnabledTlvs()), b, n))},
 };
 constexpr TableDesc lldpXdot3PortConfigTableDesc{
@@ -59,9 +52,9 @@ constexpr TableDesc lldpXdot3PortConfigTableDesc{
 // Every local port is a row, aggregated or not.
 ColumnDesc const lldpXdot3LocLinkAggColumns[] = {
     {1, "lldpXdot3LocLinkAggStatus", "linkAggStatus", "LinkAggStatusMapToAsnBits", ASN_OCTET_STR, 1024, 0, noLength,
-     LLDP_XDOT3_READER(LocalPort, LinkAggStatusMapToAsnBits(row.linkAggStatus(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, LinkAggStatusMapToAsnBits(row.linkAggStatus(), b, n))},
     {2, "lldpXdot3LocLinkAggPortId", "linkAggPortId", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(LocalPort, Snmp::S32ToAsnIntegerF()(row.linkAggPortId(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, Snmp::S32ToAsnIntegerF()(row.linkAggPortId(), b, n))},
 };
 constexpr TableDesc lldpXdot3LocLinkAggTableDesc{
     "lldpXdot3LocLinkAggTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 2, 3}, HANDLER_CAN_RONLY, localPortIndexes,
@@ -69,7 +62,7 @@ constexpr TableDesc lldpXdot3LocLinkAggTableDesc{
 
 ColumnDesc const lldpXdot3LocMaxFrameSizeColumns[] = {
     {1, "lldpXdot3LocMaxFrameSize", "maxFrameSize", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(LocalPort, Snmp::S32ToAsnIntegerF()(row.maxFrameSize(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, Snmp::S32ToAsnIntegerF()(row.maxFrameSize(), b, n))},
 };
 constexpr TableDesc lldpXdot3LocMaxFrameSizeTableDesc{
     "lldpXdot3LocMaxFrameSizeTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 2, 4}, HANDLER_CAN_RONLY, localPortIndexes,
@@ -94,15 +87,15 @@ LLDP_XDOT3_ROW_FILTER(maximumFrameSizeTlvReceived);
 
 ColumnDesc const lldpXdot3RemPortColumns[] = {
     {1, "lldpXdot3RemPortAutoNegSupported", "autoNegSupported", "BoolToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, Snmp::BoolToAsnIntegerF()(row.autoNegSupported(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::BoolToAsnIntegerF()(row.autoNegSupported(), b, n))},
     {2, "lldpXdot3RemPortAutoNegEnabled", "autoNegEnabled", "BoolToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, Snmp::BoolToAsnIntegerF()(row.autoNegEnabled(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::BoolToAsnIntegerF()(row.autoNegEnabled(), b, n))},
     // The one column of fixed length: two octets, already in wire order.
     {3, "lldpXdot3RemPortAutoNegAdvertisedCap", "autoNegAdvertisedCapAsU16", "AutoNegAdvertisedCapAsU16ToAsnBits",
      ASN_OCTET_STR, 2, 2, 2,
-     LLDP_XDOT3_READER(RemoteSystem, AutoNegAdvertisedCapAsU16ToAsnBits(row.autoNegAdvertisedCapAsU16(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, AutoNegAdvertisedCapAsU16ToAsnBits(row.autoNegAdvertisedCapAsU16(), b, n))},
     {4, "lldpXdot3RemPortOperMauType", "operMauType", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.operMauType()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.operMauType()), b, n))},
 };
 constexpr TableDesc lldpXdot3RemPortTableDesc{
     "lldpXdot3RemPortTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 1}, HANDLER_CAN_RONLY, remoteSystemIndexes,
@@ -112,17 +105,17 @@ constexpr TableDesc lldpXdot3RemPortTableDesc{
 // The MIB's "Controlable" and the attribute's "Controllable" each keep their own spelling.
 ColumnDesc const lldpXdot3RemPowerColumns[] = {
     {1, "lldpXdot3RemPowerPortClass", "powerPortClass", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.powerPortClass()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.powerPortClass()), b, n))},
     {2, "lldpXdot3RemPowerMDISupported", "powerMdiSupported", "BoolToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, Snmp::BoolToAsnIntegerF()(row.powerMdiSupported(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::BoolToAsnIntegerF()(row.powerMdiSupported(), b, n))},
     {3, "lldpXdot3RemPowerMDIEnabled", "powerMdiEnabled", "BoolToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, Snmp::BoolToAsnIntegerF()(row.powerMdiEnabled(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::BoolToAsnIntegerF()(row.powerMdiEnabled(), b, n))},
     {4, "lldpXdot3RemPowerPairControlable", "powerPairControllable", "BoolToAsnInteger", ASN_INTEGER, 1024, 0,
-     noLength, LLDP_XDOT3_READER(RemoteSystem, Snmp::BoolToAsnIntegerF()(row.powerPairControllable(), b, n))},
+     noLength, TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::BoolToAsnIntegerF()(row.powerPairControllable(), b, n))},
     {5, "lldpXdot3RemPowerPairs", "powerPairs", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.powerPairs()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.powerPairs()), b, n))},
     {6, "lldpXdot3RemPowerClass", "powerClass", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.powerClass()), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.powerClass()), b, n))},
 };
 constexpr TableDesc lldpXdot3RemPowerTableDesc{
     "lldpXdot3RemPowerTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 2}, HANDLER_CAN_RONLY, remoteSystemIndexes,
@@ -131,9 +124,9 @@ constexpr TableDesc lldpXdot3RemPowerTableDesc{
 
 ColumnDesc const lldpXdot3RemLinkAggColumns[] = {
     {1, "lldpXdot3RemLinkAggStatus", "linkAggStatus", "LinkAggStatusMapToAsnBits", ASN_OCTET_STR, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, LinkAggStatusMapToAsnBits(row.linkAggStatus(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, LinkAggStatusMapToAsnBits(row.linkAggStatus(), b, n))},
     {2, "lldpXdot3RemLinkAggPortId", "linkAggPortId", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, Snmp::S32ToAsnIntegerF()(row.linkAggPortId(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(row.linkAggPortId(), b, n))},
 };
 constexpr TableDesc lldpXdot3RemLinkAggTableDesc{
     "lldpXdot3RemLinkAggTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 3}, HANDLER_CAN_RONLY, remoteSystemIndexes,
@@ -142,14 +135,13 @@ constexpr TableDesc lldpXdot3RemLinkAggTableDesc{
 
 ColumnDesc const lldpXdot3RemMaxFrameSizeColumns[] = {
     {1, "lldpXdot3RemMaxFrameSize", "maxFrameSize", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
-     LLDP_XDOT3_READER(RemoteSystem, Snmp::S32ToAsnIntegerF()(row.maxFrameSize(), b, n))},
+     TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(row.maxFrameSize(), b, n))},
 };
 constexpr TableDesc lldpXdot3RemMaxFrameSizeTableDesc{
     "lldpXdot3RemMaxFrameSizeTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 4}, HANDLER_CAN_RONLY,
     remoteSystemIndexes, lldpXdot3RemMaxFrameSizeColumns, Sorted::yes, TimeFilter::yes,
     &maximumFrameSizeTlvReceivedFilter, &TableEngine::remoteSystemRows};
 
-#undef LLDP_XDOT3_READER
 
 }  // namespace
 

@@ -151,6 +151,14 @@ int handle(TableDesc const& table, netsnmp_agent_request_info* reqinfo, netsnmp_
 }  // namespace TableEngine
 
 // The exported functions of a table, for its module's header.
+// A column reader over rows of type RowType (the iterator's current row):
+// `row` names it, `b` and `n` are the buffer and its length.
+#define TABLE_ENGINE_READER(RowType, expression)        \
+  [](void const* r, unsigned char* b, int n) {          \
+    RowType const& row = *static_cast<RowType const*>(r); \
+    return expression;                                  \
+  }
+
 #define TABLE_ENGINE_DECLARE_TABLE(table)                                                                   \
   extern "C" void initialize_table_##table(Zet::Ptr<Snmp::Config const> config, Zet::String context);     \
   extern "C" int table##_handler(netsnmp_mib_handler* handler, netsnmp_handler_registration* reginfo,     \
