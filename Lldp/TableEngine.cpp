@@ -418,12 +418,13 @@ void skipFiltered(TableDesc const& table, void* loop, netsnmp_variable_list cons
   RowFilter const* const filter = table.rowFilter;
   for (void const* row = rows.row(loop); row; row = rows.row(loop)) {
     bool const held = !filter || filter->holds(loop);
-    std::uint32_t const ticks = held ? ticksOf(rows.timeMark(row)) : 0;
-    if (held && markPasses(requested, ticks)) {
+    // Mark 0, that of every plain walk, passes any row: the neighbour's
+    // stamp, one more object to touch per row, is read only when it counts.
+    if (held && (requested == 0 || markPasses(requested, ticksOf(rows.timeMark(row))))) {
       if (filter) {
         ZET_TRACE(trace(), 8) << table.name << "_get_*_data_point: " << filter->name << " returns " << held;
       }
-      ZET_TRACE(trace(), 8) << LastChanged{table, ticks, requested};
+      ZET_TRACE(trace(), 8) << LastChanged{table, ticksOf(rows.timeMark(row)), requested};
       return;
     }
     ZET_TRACE(trace(), 2) << table.name << "_get_*_data_point filtered out " << loop;
@@ -431,7 +432,7 @@ void skipFiltered(TableDesc const& table, void* loop, netsnmp_variable_list cons
       ZET_TRACE(trace(), 4) << table.name << "_get_*_data_point: " << filter->name << " returns " << held;
     }
     if (held) {
-      ZET_TRACE(trace(), 4) << LastChanged{table, ticks, requested};
+      ZET_TRACE(trace(), 4) << LastChanged{table, ticksOf(rows.timeMark(row)), requested};
     }
     rows.advance(loop);
   }

@@ -19,10 +19,11 @@
 // requested lldpRemTimeMark. The Root is reached through the registration
 // (my_reg_void, and the iterator info's myvoid), never through a global.
 //
-// The hint is the request's netsnmp_table_request_info, found in the loop
-// context slot on the first call. net-snmp's iterator helper as released
-// leaves that slot null, so with it every walk starts at the first row and a
-// GET costs a walk up to its row; the answers are the same either way.
+// The hint is the request's netsnmp_table_request_info, which net-snmp's
+// iterator helper puts into the loop context slot for the first call of a
+// sorted table's walk: a GET costs one descent, a GETNEXT on a row two steps.
+// When a GETNEXT moves on to the next column the helper starts that column's
+// walk without a hint, from the first row.
 //
 // The exported and net-snmp-facing functions of a table are forwarders to this
 // engine, stamped out by TABLE_ENGINE_TABLE next to the table's descriptor.

@@ -43,7 +43,7 @@ class BoundedString {
     valueIs(detail::readBoundedString(pos, end));
   }
 
-  Zet::String value() const { return value_; }
+  Zet::String const& value() const { return value_; }
   void valueIs(Zet::String raw) {
     if (raw.size() > maxBytes) {
       detail::throwBoundedStringRange(typeName.view(), maxBytes);

@@ -19,7 +19,7 @@ class ManAddress {
   // Reads the text of valueToStrep, a quoted string.
   ManAddress(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end);
 
-  Zet::String value() const { return value_; }
+  Zet::String const& value() const { return value_; }
   void valueIs(Zet::String bytes) { value_ = std::move(bytes); }
   std::size_t size() const { return value_.size(); }
 

@@ -87,6 +87,10 @@ std::uint32_t SecondsToTimeTicks(double seconds) {
   // The small addend keeps origin + 50.0 at 5000 ticks when the subtraction
   // leaves 49.99999999.
   double const hundredths = std::floor(seconds * 100.0 + 1e-6);
+  // Every row of a time-filtered walk comes here: fmod only where it wraps.
+  if (hundredths < 4294967296.0) {
+    return static_cast<std::uint32_t>(hundredths);
+  }
   return static_cast<std::uint32_t>(static_cast<std::uint64_t>(std::fmod(hundredths, 4294967296.0)));
 }
 

@@ -25,8 +25,26 @@ class PtrInterface {
 
   // Counting never fails; the object is released through handleZeroRef()
   // when the count falls to zero.
-  void newRef() const;
-  void deleteRef() const;
+  // Inline: every step of a table walk moves a reference.
+  void newRef() const {
+    if (VFPtrInterface::threadSafePointers_) {
+      word_.fetch_add(1, std::memory_order_relaxed);
+    } else {
+      word_.store(word_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    }
+  }
+  void deleteRef() const {
+    std::uint32_t after;
+    if (VFPtrInterface::threadSafePointers_) {
+      after = word_.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    } else {
+      after = word_.load(std::memory_order_relaxed) - 1;
+      word_.store(after, std::memory_order_relaxed);
+    }
+    if ((after & countMask) == 0) {
+      handleZeroRef();
+    }
+  }
   std::uint32_t references() const { return word_.load(std::memory_order_relaxed) & countMask; }
 
   bool hasNotificationActive() const { return flag(notificationActiveBit); }

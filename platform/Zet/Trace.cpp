@@ -45,21 +45,7 @@ TraceHandle::TraceHandle(String const& name, bool enabledByDefault) {
   }
 }
 
-bool TraceHandle::enabled(int level) const {
-  return level >= 0 && level < 32 && ((setting_->mask.load(std::memory_order_relaxed) >> level) & 1u) != 0;
-}
-
-std::optional<TraceHelper> TraceHelper::createIfEnabled(TraceHandle const& handle, int level) {
-  if (!handle.enabled(level)) {
-    return std::nullopt;
-  }
-  return TraceHelper(handle, level);
-}
-
 TraceHelper::~TraceHelper() {
-  if (!handle_) {
-    return;
-  }
   std::string const line = text_.str();
   auto& r = registry();
   if (r.sink) {

@@ -8,10 +8,8 @@
 
 #include <atomic>
 #include <functional>
-#include <optional>
 #include <sstream>
 #include <string_view>
-#include <utility>
 
 #include "Zet/String.h"
 
@@ -28,7 +26,10 @@ class TraceHandle {
  public:
   // `enabledByDefault` turns all levels on until the handle's name is configured.
   TraceHandle(String const& name, bool enabledByDefault);
-  bool enabled(int level) const;
+  // Inline: disabled traces sit on every hot path.
+  bool enabled(int level) const {
+    return level >= 0 && level < 32 && ((setting_->mask.load(std::memory_order_relaxed) >> level) & 1u) != 0;
+  }
   String const& name() const { return setting_->name; }
 
  private:
@@ -38,15 +39,13 @@ class TraceHandle {
 // One trace line in the making; the line is written when the helper goes.
 class TraceHelper {
  public:
-  static std::optional<TraceHelper> createIfEnabled(TraceHandle const& handle, int level);
-  TraceHelper(TraceHelper&& o) noexcept
-      : handle_(std::exchange(o.handle_, nullptr)), level_(o.level_), text_(std::move(o.text_)) {}
-  TraceHelper& operator=(TraceHelper&&) = delete;
+  TraceHelper(TraceHandle const& handle, int level) : handle_(&handle), level_(level) {}
+  TraceHelper(TraceHelper const&) = delete;
+  TraceHelper& operator=(TraceHelper const&) = delete;
   ~TraceHelper();
   std::ostream& stream() { return text_; }
 
  private:
-  TraceHelper(TraceHandle const& handle, int level) : handle_(&handle), level_(level) {}
   TraceHandle const* handle_;
   int level_;
   std::ostringstream text_;
@@ -66,7 +65,8 @@ void sinkIs(Sink sink);
 
 }  // namespace Zet
 
-#define ZET_TRACE(handle, level)                                                              \
-  if (auto zetTrace_ = ::Zet::TraceHelper::createIfEnabled((handle), (level)); !zetTrace_) { \
-  } else                                                                                      \
-    zetTrace_->stream()
+// The helper is a temporary: the line is written at the end of the statement.
+#define ZET_TRACE(handle, level)                                                           \
+  if (::Zet::TraceHandle const& zetTraceHandle_ = (handle); !zetTraceHandle_.enabled(level)) { \
+  } else                                                                                   \
+    ::Zet::TraceHelper(zetTraceHandle_, (level)).stream()
