@@ -134,6 +134,43 @@ TEST_F(PortTables, IndexesThatNameNoPortFindNoInstance) {
   }
 }
 
+// The trace tells which rows a walk visited: a request that names a row
+// starts there (one descent) and never passes the rows below it.
+TEST_F(PortTables, RequestsThatNameARowStartTheirWalkThere) {
+  struct Case {
+    bool next;
+    char const* oid;
+    char const* answer;
+    char const* firstCall;  // what the walk's first call traces
+  };
+  Case const cases[] = {
+      {false, "1.0.8802.1.1.2.1.2.7.1.4.9", "1.0.8802.1.1.2.1.2.7.1.4.9", "hintMatched=1"},
+      {true, "1.0.8802.1.1.2.1.2.7.1.4.5", "1.0.8802.1.1.2.1.2.7.1.4.9", "hintMatched=1"},
+      {false, "1.0.8802.1.1.2.1.2.7.1.4.4095", nullptr,
+       "Bad hint for lldpStatsRxPortTable: Interface::EthPortId ctor threw exception: "},
+  };
+  for (Case const& k : cases) {
+    SCOPED_TRACE(k.oid);
+    std::size_t const before = agent_->standardError().size();
+    auto const r = k.next ? client().getNext(k.oid) : client().get({k.oid});
+    ASSERT_FALSE(r.timedOut);
+    ASSERT_EQ(r.varBinds.size(), 1u);
+    if (k.answer) {
+      EXPECT_EQ(r.varBinds[0].oid, k.answer);
+      EXPECT_EQ(r.varBinds[0].type, ASN_COUNTER);
+    } else {
+      EXPECT_EQ(r.varBinds[0].type, SNMP_NOSUCHINSTANCE);
+    }
+    std::string const trace = agent_->standardError().substr(before);
+    EXPECT_NE(trace.find(k.firstCall), std::string::npos) << trace;
+    bool const visitedPort1 =
+        trace.find("lldpStatsRxPortTableIterationHelper - iterator has another value: portNum=1\n") !=
+        std::string::npos;
+    // Only the refused hint falls back to a walk from the first row.
+    EXPECT_EQ(visitedPort1, k.answer == nullptr) << trace;
+  }
+}
+
 TEST_F(PortTables, SetIsRefusedAsNotWritableOnWritableAndReadOnlyTables) {
   auto c = client("private");
   struct Case {
