@@ -28,7 +28,6 @@
 #include "Interface/EthPortId.h"
 #include "LldpAgent/BitMaps.h"
 #include "LldpAgent/BoundedString.h"
-#include "LldpAgent/EnabledTlvs.h"
 #include "LldpAgent/Enumerations.h"
 #include "LldpAgent/LinkAggregationInfo.h"
 #include "LldpAgent/MacPhyConfigStatusInfo.h"
@@ -543,16 +542,14 @@ DesiredPortConfig readPortConfig(Node const& node) {
   DesiredPortConfig config;
   Object object(node);
   readInto(object, "adminStatus", config.adminStatus, readEnum<Lldp::AdminStatus>);
-  readInto(object, "enabledTlvs", config.enabledTlvs, [](Node const& n) {
-    auto const raw = readBits(n, enabledTlvBits);
-    return checked(n, [&] { return Lldp::EnabledTlvs(raw); }).value();
-  });
+  // The LLDP agent holds these as plain 32-bit words: a number goes in as it
+  // is, bits the MIB does not know included, and a GET of the column then
+  // fails as the word is served; a list names only the known bits.
+  readInto(object, "enabledTlvs", config.enabledTlvs, [](Node const& n) { return readBits(n, enabledTlvBits); });
   readInto(object, "manAddrTxEnable", config.manAddrTxEnable, readBool);
   readInto(object, "portVlanTxEnable", config.portVlanTxEnable, readBool);
-  readInto(object, "dot3EnabledTlvs", config.dot3EnabledTlvs, [](Node const& n) {
-    auto const raw = readBits(n, dot3EnabledTlvBits);
-    return checked(n, [&] { return Lldp::Dot3EnabledTlvs(raw); }).value();
-  });
+  readInto(object, "dot3EnabledTlvs", config.dot3EnabledTlvs,
+           [](Node const& n) { return readBits(n, dot3EnabledTlvBits); });
   object.finish();
   return config;
 }

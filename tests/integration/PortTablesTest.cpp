@@ -224,4 +224,24 @@ TEST(PortTablesOfAnEmptyPortId, PortIdIsAGenErrWhileTheEmptyDescriptionIsServed)
   EXPECT_EQ(client.get({"1.0.8802.1.1.2.1.3.7.1.3.1"}).varBinds.at(0).bytes, "1");
 }
 
+// A bit set the MIB cannot carry raises out of the handler; the agent's frame
+// answers genErr for that request alone and the agent goes on serving.
+TEST(PortTablesOfAWideBitSet, BitsAboveTheFourKnownOnesAnswerGenErrAndTheAgentKeepsServing) {
+  AgentProcess agent({"--scenario", data + "wide-enabled-tlvs.json"});
+  SnmpClient client(agent.peer(), "public");
+  for (char const* oid : {"1.0.8802.1.1.2.1.1.6.1.4.2", "1.0.8802.1.1.2.1.5.4623.1.1.1.1.1.2"}) {
+    auto const failed = client.get({oid});
+    ASSERT_FALSE(failed.timedOut) << oid;
+    EXPECT_EQ(failed.errorStatus, SNMP_ERR_GENERR) << oid;
+  }
+  auto const served = client.get({"1.0.8802.1.1.2.1.1.6.1.4.1", "1.0.8802.1.1.2.1.5.4623.1.1.1.1.1.1"});
+  ASSERT_FALSE(served.timedOut);
+  ASSERT_EQ(served.errorStatus, SNMP_ERR_NOERROR);
+  EXPECT_EQ(served.varBinds.at(0).bytes, "\xa0");  // portDesc and sysDesc
+  EXPECT_EQ(served.varBinds.at(1).bytes, "\x10");  // maxFrameSize
+  std::string const log = agent.standardError();
+  EXPECT_NE(log.find("EnabledTlvs::value > 0xf not allowed"), std::string::npos) << log;
+  EXPECT_NE(log.find("Dot3EnabledTlvs::value > 0xf not allowed"), std::string::npos) << log;
+}
+
 }  // namespace
