@@ -167,6 +167,32 @@ TEST_F(RemoteTables, GetAnswersMarksUpToTwoTicksPastTheLastChange) {
   }
 }
 
+// At 0xFFFFFFFE ticks the two ticks of grace wrap to 0: only mark 0 sees the
+// neighbour, in the hinted table and in the address table alike.
+TEST(RemoteTablesAtTheWrap, ANeighbourStampedAt0xFFFFFFFETicksAnswersOnlyMarkZero) {
+  AgentProcess agent({"--scenario", integrationData + "wrapped-time-mark.json"});
+  SnmpClient c(agent.peer(), "public");
+  std::string const address = ".1.1.1.4.192.0.2.7";
+  struct Case {
+    std::string oid;
+    int type;  // the answer's type: the column's, or noSuchInstance when filtered out
+  };
+  Case const cases[] = {
+      {column(remTable, 9) + ".0.1.1", ASN_OCTET_STR},
+      {column(remTable, 9) + ".1.1.1", SNMP_NOSUCHINSTANCE},
+      {column(remTable, 9) + ".4294967294.1.1", SNMP_NOSUCHINSTANCE},
+      {column(remManAddrTable, 4) + ".0" + address, ASN_INTEGER},
+      {column(remManAddrTable, 4) + ".1" + address, SNMP_NOSUCHINSTANCE},
+  };
+  for (Case const& k : cases) {
+    SCOPED_TRACE(k.oid);
+    auto const r = c.get({k.oid});
+    ASSERT_FALSE(r.timedOut);
+    ASSERT_EQ(r.varBinds.size(), 1u);
+    EXPECT_EQ(r.varBinds[0].type, k.type);
+  }
+}
+
 TEST_F(RemoteTables, GetOfOneInstanceReadsItsRowAndRefusesIndexColumns) {
   auto const r = client().get({
       "1.0.8802.1.1.2.1.4.2.1.3.0.1.1.1.4.192.0.2.1",
