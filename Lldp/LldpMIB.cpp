@@ -154,7 +154,6 @@ using TableEngine::TableDesc;
 using TableEngine::TimeFilter;
 
 // lldpPortConfigTable: writable in the MIB, and every SET is refused all the same.
-IndexDesc const lldpPortConfigIndexes[] = {{"lldpPortConfigPortNum", ASN_INTEGER}};
 ColumnDesc const lldpPortConfigColumns[] = {
     {2, "lldpPortConfigAdminStatus", "adminStatus", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
      TABLE_ENGINE_READER(Lldp::Snmp::PortConfig, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.adminStatus()), b, n))},
@@ -210,7 +209,6 @@ constexpr TableDesc lldpStatsRxPortTableDesc{
     "lldpStatsRxPortTable", {1, 0, 8802, 1, 1, 2, 1, 2, 7}, HANDLER_CAN_RONLY, lldpStatsRxPortIndexes,
     lldpStatsRxPortColumns, Sorted::yes, TimeFilter::no, nullptr, &TableEngine::portStatusRows};
 
-IndexDesc const lldpLocPortIndexes[] = {{"lldpLocPortNum", ASN_INTEGER}};
 ColumnDesc const lldpLocPortColumns[] = {
     {2, "lldpLocPortIdSubtype", "portIdSubtype", "S32ToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
      TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.portIdSubtype()), b, n))},
@@ -246,10 +244,6 @@ constexpr TableDesc lldpLocManAddrTableDesc{
     return expression;                                                                             \
   }
 
-// The remote tables: the mark leads every index, as a condition on the rows
-// rather than a part of their key.
-IndexDesc const lldpRemIndexes[] = {
-    {"lldpRemTimeMark", ASN_TIMETICKS}, {"lldpRemLocalPortNum", ASN_INTEGER}, {"lldpRemIndex", ASN_INTEGER}};
 // Read through the neighbour at the time of the request: a row without one
 // answers zeros and empty strings, and its identifiers fail their bound.
 ColumnDesc const lldpRemColumns[] = {

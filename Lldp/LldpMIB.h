@@ -33,6 +33,15 @@ extern "C" void unregister_LldpMIB(Zet::String context);
   X(lldpLocSysCapSupported)            \
   X(lldpLocSysCapEnabled)
 
+// The indexes of lldpPortConfigTable, lldpLocPortTable and lldpRemTable, which
+// the tables of the extension modules take over as theirs.
+inline constexpr TableEngine::IndexDesc lldpPortConfigIndexes[] = {{"lldpPortConfigPortNum", ASN_INTEGER}};
+inline constexpr TableEngine::IndexDesc lldpLocPortIndexes[] = {{"lldpLocPortNum", ASN_INTEGER}};
+// The mark leads every remote index, as a condition on the rows rather than a
+// part of their key.
+inline constexpr TableEngine::IndexDesc lldpRemIndexes[] = {
+    {"lldpRemTimeMark", ASN_TIMETICKS}, {"lldpRemLocalPortNum", ASN_INTEGER}, {"lldpRemIndex", ASN_INTEGER}};
+
 #define LLDP_MIB_DECLARE_SCALAR_HANDLER(object)                                                        \
   extern "C" int handle_##object(netsnmp_mib_handler* handler, netsnmp_handler_registration* reginfo, \
                                  netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests);

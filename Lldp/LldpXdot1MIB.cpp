@@ -6,6 +6,7 @@
 
 #include "LldpXdot1MIB.h"
 
+#include "LldpMIB.h"
 #include "MibModule.h"
 #include "MirrorRows.h"
 #include "Root.h"
@@ -35,17 +36,13 @@ using TableEngine::Sorted;
 using TableEngine::TableDesc;
 using TableEngine::TimeFilter;
 
-// The two port tables extend lldpPortConfigTable and lldpLocPortTable, whose indexes they take.
-IndexDesc const portConfigIndexes[] = {{"lldpPortConfigPortNum", ASN_INTEGER}};
-IndexDesc const localPortIndexes[] = {{"lldpLocPortNum", ASN_INTEGER}};
-
 ColumnDesc const lldpXdot1ConfigPortVlanColumns[] = {
     {1, "lldpXdot1ConfigPortVlanTxEnable", "portVlanTxEnable", "BoolToAsnInteger", ASN_INTEGER, 1024, 0, noLength,
      TABLE_ENGINE_READER(Lldp::Snmp::PortConfig, Snmp::BoolToAsnIntegerF()(row.portVlanTxEnable(), b, n))},
 };
 constexpr TableDesc lldpXdot1ConfigPortVlanTableDesc{
     "lldpXdot1ConfigPortVlanTable", {1, 0, 8802, 1, 1, 2, 1, 5, 32962, 1, 1, 1}, HANDLER_CAN_RWRITE,
-    portConfigIndexes, lldpXdot1ConfigPortVlanColumns, Sorted::yes, TimeFilter::no, nullptr,
+    lldpPortConfigIndexes, lldpXdot1ConfigPortVlanColumns, Sorted::yes, TimeFilter::no, nullptr,
     &TableEngine::portConfigRows};
 
 // A port without a port VLAN is served with 0, the none value.
@@ -54,12 +51,8 @@ ColumnDesc const lldpXdot1LocColumns[] = {
      TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, Snmp::S32ToAsnIntegerF()(row.portVlanId().value(), b, n))},
 };
 constexpr TableDesc lldpXdot1LocTableDesc{
-    "lldpXdot1LocTable", {1, 0, 8802, 1, 1, 2, 1, 5, 32962, 1, 2, 1}, HANDLER_CAN_RONLY, localPortIndexes,
+    "lldpXdot1LocTable", {1, 0, 8802, 1, 1, 2, 1, 5, 32962, 1, 2, 1}, HANDLER_CAN_RONLY, lldpLocPortIndexes,
     lldpXdot1LocColumns, Sorted::yes, TimeFilter::no, nullptr, &TableEngine::localPortRows};
-
-// The remote tables: the mark filters, port and index name the neighbour.
-IndexDesc const remoteSystemIndexes[] = {
-    {"lldpRemTimeMark", ASN_TIMETICKS}, {"lldpRemLocalPortNum", ASN_INTEGER}, {"lldpRemIndex", ASN_INTEGER}};
 
 // lldpRemTable's rows, less the neighbours that sent no port VLAN ID TLV.
 RowFilter const portVlanIdFilter{"portVlanIdTlvReceived", [](void const* context) {
@@ -70,7 +63,7 @@ ColumnDesc const lldpXdot1RemColumns[] = {
      TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(row.portVlanId().value(), b, n))},
 };
 constexpr TableDesc lldpXdot1RemTableDesc{
-    "lldpXdot1RemTable", {1, 0, 8802, 1, 1, 2, 1, 5, 32962, 1, 3, 1}, HANDLER_CAN_RONLY, remoteSystemIndexes,
+    "lldpXdot1RemTable", {1, 0, 8802, 1, 1, 2, 1, 5, 32962, 1, 3, 1}, HANDLER_CAN_RONLY, lldpRemIndexes,
     lldpXdot1RemColumns, Sorted::yes, TimeFilter::yes, &portVlanIdFilter, &TableEngine::remoteSystemRows};
 
 // The value tables need no row filter: a record exists only for what was received.

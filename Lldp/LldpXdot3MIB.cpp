@@ -7,6 +7,7 @@
 #include "LldpXdot3MIB.h"
 
 #include "LldpAgent/PortConfig.h"
+#include "LldpMIB.h"
 #include "MibModule.h"
 #include "MirrorRows.h"
 #include "Snmp/AutoRegistree.h"
@@ -28,15 +29,11 @@ LldpXdot3MIB_HandlerRegistration registration;
 Snmp::AutoRegistree const autoRegistree(&registration);
 
 using TableEngine::ColumnDesc;
-using TableEngine::IndexDesc;
 using TableEngine::noLength;
 using TableEngine::RowFilter;
 using TableEngine::Sorted;
 using TableEngine::TableDesc;
 using TableEngine::TimeFilter;
-
-IndexDesc const portConfigIndexes[] = {{"lldpPortConfigPortNum", ASN_INTEGER}};
-IndexDesc const localPortIndexes[] = {{"lldpLocPortNum", ASN_INTEGER}};
 
 // A raw value above 0xf raises the range exception here, out of the handler.
 ColumnDesc const lldpXdot3PortConfigColumns[] = {
@@ -46,7 +43,7 @@ ColumnDesc const lldpXdot3PortConfigColumns[] = {
                                        Lldp::PortConfig::Dot3EnabledTlvs(row.dot3EnabledTlvs()), b, n))},
 };
 constexpr TableDesc lldpXdot3PortConfigTableDesc{
-    "lldpXdot3PortConfigTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 1, 1}, HANDLER_CAN_RWRITE, portConfigIndexes,
+    "lldpXdot3PortConfigTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 1, 1}, HANDLER_CAN_RWRITE, lldpPortConfigIndexes,
     lldpXdot3PortConfigColumns, Sorted::yes, TimeFilter::no, nullptr, &TableEngine::portConfigRows};
 
 // Every local port is a row, aggregated or not.
@@ -57,7 +54,7 @@ ColumnDesc const lldpXdot3LocLinkAggColumns[] = {
      TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, Snmp::S32ToAsnIntegerF()(row.linkAggPortId(), b, n))},
 };
 constexpr TableDesc lldpXdot3LocLinkAggTableDesc{
-    "lldpXdot3LocLinkAggTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 2, 3}, HANDLER_CAN_RONLY, localPortIndexes,
+    "lldpXdot3LocLinkAggTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 2, 3}, HANDLER_CAN_RONLY, lldpLocPortIndexes,
     lldpXdot3LocLinkAggColumns, Sorted::yes, TimeFilter::no, nullptr, &TableEngine::localPortRows};
 
 ColumnDesc const lldpXdot3LocMaxFrameSizeColumns[] = {
@@ -65,14 +62,11 @@ ColumnDesc const lldpXdot3LocMaxFrameSizeColumns[] = {
      TABLE_ENGINE_READER(Lldp::Snmp::LocalPort, Snmp::S32ToAsnIntegerF()(row.maxFrameSize(), b, n))},
 };
 constexpr TableDesc lldpXdot3LocMaxFrameSizeTableDesc{
-    "lldpXdot3LocMaxFrameSizeTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 2, 4}, HANDLER_CAN_RONLY, localPortIndexes,
+    "lldpXdot3LocMaxFrameSizeTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 2, 4}, HANDLER_CAN_RONLY, lldpLocPortIndexes,
     lldpXdot3LocMaxFrameSizeColumns, Sorted::yes, TimeFilter::no, nullptr, &TableEngine::localPortRows};
 
 // The four remote tables are views of lldpRemTable's rows, each showing the
 // neighbours that sent its TLV; the filter reads the flag live.
-IndexDesc const remoteSystemIndexes[] = {
-    {"lldpRemTimeMark", ASN_TIMETICKS}, {"lldpRemLocalPortNum", ASN_INTEGER}, {"lldpRemIndex", ASN_INTEGER}};
-
 #define LLDP_XDOT3_ROW_FILTER(filter)                                        \
   RowFilter const filter##Filter {                                         \
     #filter, [](void const* context) {                                     \
@@ -98,7 +92,7 @@ ColumnDesc const lldpXdot3RemPortColumns[] = {
      TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.operMauType()), b, n))},
 };
 constexpr TableDesc lldpXdot3RemPortTableDesc{
-    "lldpXdot3RemPortTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 1}, HANDLER_CAN_RONLY, remoteSystemIndexes,
+    "lldpXdot3RemPortTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 1}, HANDLER_CAN_RONLY, lldpRemIndexes,
     lldpXdot3RemPortColumns, Sorted::yes, TimeFilter::yes, &macPhyConfigStatusTlvReceivedFilter,
     &TableEngine::remoteSystemRows};
 
@@ -118,7 +112,7 @@ ColumnDesc const lldpXdot3RemPowerColumns[] = {
      TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(static_cast<int>(row.powerClass()), b, n))},
 };
 constexpr TableDesc lldpXdot3RemPowerTableDesc{
-    "lldpXdot3RemPowerTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 2}, HANDLER_CAN_RONLY, remoteSystemIndexes,
+    "lldpXdot3RemPowerTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 2}, HANDLER_CAN_RONLY, lldpRemIndexes,
     lldpXdot3RemPowerColumns, Sorted::yes, TimeFilter::yes, &powerViaMdiTlvReceivedFilter,
     &TableEngine::remoteSystemRows};
 
@@ -129,7 +123,7 @@ ColumnDesc const lldpXdot3RemLinkAggColumns[] = {
      TABLE_ENGINE_READER(Lldp::Snmp::RemoteSystem, Snmp::S32ToAsnIntegerF()(row.linkAggPortId(), b, n))},
 };
 constexpr TableDesc lldpXdot3RemLinkAggTableDesc{
-    "lldpXdot3RemLinkAggTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 3}, HANDLER_CAN_RONLY, remoteSystemIndexes,
+    "lldpXdot3RemLinkAggTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 3}, HANDLER_CAN_RONLY, lldpRemIndexes,
     lldpXdot3RemLinkAggColumns, Sorted::yes, TimeFilter::yes, &linkAggregationTlvReceivedFilter,
     &TableEngine::remoteSystemRows};
 
@@ -139,7 +133,7 @@ ColumnDesc const lldpXdot3RemMaxFrameSizeColumns[] = {
 };
 constexpr TableDesc lldpXdot3RemMaxFrameSizeTableDesc{
     "lldpXdot3RemMaxFrameSizeTable", {1, 0, 8802, 1, 1, 2, 1, 5, 4623, 1, 3, 4}, HANDLER_CAN_RONLY,
-    remoteSystemIndexes, lldpXdot3RemMaxFrameSizeColumns, Sorted::yes, TimeFilter::yes,
+    lldpRemIndexes, lldpXdot3RemMaxFrameSizeColumns, Sorted::yes, TimeFilter::yes,
     &maximumFrameSizeTlvReceivedFilter, &TableEngine::remoteSystemRows};
 
 
