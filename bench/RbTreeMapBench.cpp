@@ -94,8 +94,8 @@ void lookUpRows(benchmark::State& state) {
   reportShape(state, state.iterations());
 }
 
-void walkRows(benchmark::State& state) {
-  auto const rows = makeRows(shuffledKeys(state.range(0)));
+// Whole walks of a tree holding `rows`, in key order.
+void timeWalks(benchmark::State& state, std::vector<Zet::Ptr<Row>> const& rows) {
   Tree tree;
   fill(tree, rows);
   for (auto _ : state) {
@@ -106,6 +106,8 @@ void walkRows(benchmark::State& state) {
   reportShape(state, state.iterations() * state.range(0));
 }
 
+void walkRows(benchmark::State& state) { timeWalks(state, makeRows(shuffledKeys(state.range(0)))); }
+
 // The same walk over rows allocated in key order, so that neighbours in the walk are neighbours
 // in memory: what remains is the walk's own cost, apart from cache misses.
 void walkRowsAllocatedInOrder(benchmark::State& state) {
@@ -113,14 +115,7 @@ void walkRowsAllocatedInOrder(benchmark::State& state) {
   std::sort(keys.begin(), keys.end());
   auto rows = makeRows(keys);
   std::shuffle(rows.begin(), rows.end(), std::mt19937(2018));
-  Tree tree;
-  fill(tree, rows);
-  for (auto _ : state) {
-    for (auto it = tree.iterator(); !it.atEnd(); it.advance()) {
-      benchmark::DoNotOptimize(it.get());
-    }
-  }
-  reportShape(state, state.iterations() * state.range(0));
+  timeWalks(state, rows);
 }
 
 // Deleting the current row between every two steps makes every other step a stale one.
