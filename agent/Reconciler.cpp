@@ -1,6 +1,10 @@
 #include "Reconciler.h"
 
+#include <algorithm>
+#include <iomanip>
 #include <map>
+#include <sstream>
+#include <string>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -58,6 +62,24 @@ bool syncRecords(Entries const& present, std::vector<Record> const& desired, Del
   return changed;
 }
 
+// A neighbour as an operator knows it: by the name it announces, else by its chassis ID.
+std::string neighborName(Lldp::RemoteSystem const& neighbor, Ondo::IntfId const& port) {
+  std::string name = neighbor.sysName().value().stdString();
+  if (name.empty()) {
+    // Printable identifiers (names, addresses as text) as they are, others (MACs) as hex pairs.
+    std::string const id = neighbor.msap().chassisId.value().stdString();
+    bool const printable = !id.empty() && std::all_of(id.begin(), id.end(), [](char c) { return c >= 0x20 && c < 0x7f; });
+    std::ostringstream text;
+    text << "chassis ";
+    for (std::size_t i = 0; !printable && i < id.size(); ++i) {
+      text << (i > 0 ? ":" : "") << std::hex << std::setw(2) << std::setfill('0')
+           << static_cast<unsigned>(static_cast<unsigned char>(id[i]));
+    }
+    name = printable ? "chassis " + id : text.str();
+  }
+  return name + " on " + port.stringValue().stdString();
+}
+
 void unmountIfOurs(char const* path, Zet::Ptr<Zet::Entity> const& entity) {
   if (entity && Statebase::entity(path) == entity) {
     Statebase::entityDel(path);
@@ -81,7 +103,7 @@ std::vector<Reconciler::Port> Reconciler::ports() const {
   return result;
 }
 
-void Reconciler::apply(DesiredState const& state) {
+Reconciler::Report Reconciler::apply(DesiredState const& state) {
   bool const first = !config_;
   if (first) {
     config_ = Zet::makePtr<Lldp::Config>();
@@ -126,6 +148,12 @@ void Reconciler::apply(DesiredState const& state) {
     Statebase::entityIs(statusPath, status_);
     Statebase::entityIs(localSystemPath, localSystem_);
   }
+  // Sorted: neighbours are held by hash, and a log should read the same every time.
+  for (auto* names : {&changes.report.portsJoined, &changes.report.portsLeft, &changes.report.neighborsAdded,
+                      &changes.report.neighborsRemoved, &changes.report.neighborsChanged}) {
+    std::sort(names->begin(), names->end());
+  }
+  return std::move(changes.report);
 }
 
 void Reconciler::applyLocalSystem(DesiredLocalSystem const& desired) {
@@ -142,15 +170,27 @@ void Reconciler::applyLocalSystem(DesiredLocalSystem const& desired) {
   for (DesiredManAddrPriority const& entry : desired.managementAddressPrio) {
     wanted.insert_or_assign(entry.priority, entry.address);
   }
+  // The mirror keeps the value a local address had when it came, so one that
+  // changes under its key goes (with its priority) and comes back.
+  std::unordered_set<Lldp::ManagementAddress::Key> changed;
+  for (Lldp::ManagementAddress const& address : desired.managementAddress) {
+    auto const it = local.managementAddress().find(address.key());
+    if (it != local.managementAddress().end() && !(it->second == address)) {
+      changed.insert(address.key());
+    }
+  }
   std::vector<Lldp::ManAddrPriority> stale;
   for (auto const& [priority, key] : local.managementAddressPrio()) {
     auto const it = wanted.find(priority);
-    if (it == wanted.end() || !(it->second == key)) {
+    if (it == wanted.end() || !(it->second == key) || changed.contains(key)) {
       stale.push_back(priority);
     }
   }
   for (Lldp::ManAddrPriority const& priority : stale) {
     local.managementAddressPrioDel(priority);
+  }
+  for (Lldp::ManagementAddress::Key const& key : changed) {
+    local.managementAddressDel(key);
   }
   syncRecords(
       local.managementAddress(), desired.managementAddress,
@@ -162,8 +202,9 @@ void Reconciler::applyLocalSystem(DesiredLocalSystem const& desired) {
   }
 }
 
-void Reconciler::applyStatus(DesiredStatus const& desired, RemoteChanges const& changes) {
+void Reconciler::applyStatus(DesiredStatus const& desired, RemoteChanges& changes) {
   Lldp::AllStatus& status = *status_;
+  double const changeTime = status.remTablesLastChangeTime();
   status.remTablesInsertsIs(desired.remTablesInserts.value_or(status.remTablesInserts() + changes.inserts));
   status.remTablesDeletesIs(desired.remTablesDeletes.value_or(status.remTablesDeletes() + changes.deletes));
   status.remTablesDropsIs(desired.remTablesDrops.value_or(status.remTablesDrops()));
@@ -174,6 +215,7 @@ void Reconciler::applyStatus(DesiredStatus const& desired, RemoteChanges const& 
   } else if (changes.any) {
     status.remTablesLastChangeTimeIs(changes.now);
   }
+  changes.report.remTablesLastChangeTimeMoved = status.remTablesLastChangeTime() != changeTime;
 }
 
 void Reconciler::removeStalePorts(std::vector<DesiredPort> const& desired, RemoteChanges& changes) {
@@ -189,6 +231,10 @@ void Reconciler::removeStalePorts(std::vector<DesiredPort> const& desired, Remot
       return false;
     }
     // Its neighbours go with it, as they do when a port goes down.
+    for (auto const& [index, neighbor] : entry.neighbors) {
+      changes.report.neighborsRemoved.push_back(neighborName(*neighbor, entry.port.name));
+    }
+    changes.report.portsLeft.push_back(entry.port.name.stringValue().stdString());
     changes.deletes += static_cast<std::uint32_t>(entry.neighbors.size());
     changes.any = changes.any || !entry.neighbors.empty();
     if (portObserver_) {
@@ -214,6 +260,7 @@ Reconciler::PortEntry Reconciler::makePort(DesiredPort const& desired, RemoteCha
   applyPort(entry, desired, changes);
   status_->portStatusIs(entry.port.portStatus);
   localSystem_->localPortIs(entry.port.localPort);
+  changes.report.portsJoined.push_back(desired.name.stringValue().stdString());
   if (portObserver_) {
     portObserver_->onPortJoined(entry.port);
   }
@@ -264,6 +311,7 @@ void Reconciler::applyNeighbors(PortEntry& entry, std::vector<DesiredNeighbor> c
     if (it != wanted.end() && it->second->msap == neighbor->msap()) {
       return false;
     }
+    changes.report.neighborsRemoved.push_back(neighborName(*neighbor, entry.port.name));
     status.remoteSystemByMsapDel(neighbor->msap());
     status.remoteSystemDel(index);
     ++changes.deletes;
@@ -274,6 +322,9 @@ void Reconciler::applyNeighbors(PortEntry& entry, std::vector<DesiredNeighbor> c
     if (auto const it = entry.neighbors.find(neighbor.index); it != entry.neighbors.end()) {
       bool const changed = applyNeighbor(*it->second, neighbor, false, changes.now);
       changes.any = changes.any || changed;
+      if (changed) {
+        changes.report.neighborsChanged.push_back(neighborName(*it->second, entry.port.name));
+      }
       continue;
     }
     auto const added = Zet::makePtr<Lldp::RemoteSystem>(neighbor.index, neighbor.msap);
@@ -284,6 +335,7 @@ void Reconciler::applyNeighbors(PortEntry& entry, std::vector<DesiredNeighbor> c
     status.remoteSystemIs(added);
     status.remoteSystemByMsapIs(added);
     entry.neighbors.emplace(neighbor.index, added);
+    changes.report.neighborsAdded.push_back(neighborName(*added, entry.port.name));
   }
 }
 

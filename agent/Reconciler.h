@@ -13,6 +13,7 @@
 // so every neighbour that goes counts as a delete, never as an ageout.
 
 #include <cstdint>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -62,11 +63,24 @@ class Reconciler {
   Reconciler(Reconciler const&) = delete;
   Reconciler& operator=(Reconciler const&) = delete;
 
+  // What one apply changed, named as an operator knows it: ports by name,
+  // neighbours as "<sysName or chassis ID> on <port>".
+  struct Report {
+    std::vector<std::string> portsJoined;
+    std::vector<std::string> portsLeft;
+    std::vector<std::string> neighborsAdded;
+    std::vector<std::string> neighborsRemoved;
+    std::vector<std::string> neighborsChanged;
+    // remTablesLastChangeTime was written with a new value: the moment a
+    // notification may follow.
+    bool remTablesLastChangeTimeMoved = false;
+  };
+
   // Makes the state match `state`. Times in `state` are seconds since the
   // uptime origin (Snmp::uptimeOrigin()), which must be set before.
   // Raises nothing of its own; what an observer raises passes out, with the
   // state as far as it had got.
-  void apply(DesiredState const& state);
+  Report apply(DesiredState const& state);
 
   // Null for none. Not owned: it must stay until it is replaced or this goes.
   void portObserverIs(PortObserver* observer) { portObserver_ = observer; }
@@ -91,6 +105,7 @@ class Reconciler {
     std::uint32_t inserts = 0;
     std::uint32_t deletes = 0;
     bool any = false;
+    Report report;
   };
 
   void applyLocalSystem(DesiredLocalSystem const& desired);
@@ -101,7 +116,7 @@ class Reconciler {
   // True when the neighbour differs from before; `arriving` for a new one.
   bool applyNeighbor(Lldp::RemoteSystem& neighbor, DesiredNeighbor const& desired, bool arriving,
                      double now) const;
-  void applyStatus(DesiredStatus const& desired, RemoteChanges const& changes);
+  void applyStatus(DesiredStatus const& desired, RemoteChanges& changes);
 
   Zet::Ptr<Lldp::Config> config_;
   Zet::Ptr<Lldp::AllStatus> status_;

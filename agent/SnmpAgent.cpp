@@ -1,12 +1,16 @@
 #include "SnmpAgent.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <vector>
 
 #include <net-snmp/net-snmp-config.h>
 #include <net-snmp/net-snmp-includes.h>
 #include <net-snmp/agent/net-snmp-agent-includes.h>
+#include <net-snmp/agent/agent_callbacks.h>
 
 #include "Snmp/HandlerFrame.h"
 #include "Zet/System.h"
@@ -15,6 +19,10 @@
 extern "C" void init_vacm_conf(void);
 
 namespace {
+// Without pings a sub-agent never notices that its master went and never
+// reconnects; agentxPingInterval in --config still wins.
+constexpr int defaultAgentxPingSeconds = 5;
+
 // A directive parsed with the configuration files, as if it stood in one;
 // net-snmp keeps its own copy of the text.
 void rememberConfigLine(std::string const& line) {
@@ -32,6 +40,9 @@ SnmpAgent::SnmpAgent(AgentOptions const& options) : options_(options) {
     if (!options_.agentx->empty()) {
       netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_X_SOCKET, options_.agentx->c_str());
     }
+    // net-snmp takes the master's sysUpTime from the answer to the session's
+    // opening, then tells the application.
+    snmp_register_callback(SNMP_CALLBACK_APPLICATION, SNMPD_CALLBACK_INDEX_START, &SnmpAgent::onIndexStart, this);
   } else {
     netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_PORTS, options_.listen.c_str());
   }
@@ -39,13 +50,19 @@ SnmpAgent::SnmpAgent(AgentOptions const& options) : options_(options) {
     netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, options_.config.c_str());
   }
   if (!options_.persistentDir.empty()) {
-    netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_PERSISTENT_DIR, options_.persistentDir.c_str());
+    // net-snmp would make a relative path's folders from the file system's root.
+    std::string const dir = std::filesystem::absolute(options_.persistentDir).lexically_normal().string();
+    netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_PERSISTENT_DIR, dir.c_str());
   }
   // The agent needs no MIB files, and most of net-snmp's default list is not installed.
   setenv("MIBS", "", 0);
   // One log line per request is noise for an agent that is polled all day.
   netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_DONT_LOG_TCPWRAPPERS_CONNECTS, 1);
   init_agent(appName_.c_str());
+  if (subagent) {
+    // After init_agent, which sets net-snmp's own default.
+    netsnmp_ds_set_int(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_AGENTX_PING_INTERVAL, defaultAgentxPingSeconds);
+  }
   // What a plug-in's handler lets escape becomes a genErr answer here.
   Snmp::installHandlerFrame();
   // The directives users know from snmpd: communities, users, views, trap sinks.
@@ -57,16 +74,34 @@ SnmpAgent::SnmpAgent(AgentOptions const& options) : options_(options) {
   }
 }
 
-SnmpAgent::~SnmpAgent() { snmp_shutdown(appName_.c_str()); }
+SnmpAgent::~SnmpAgent() {
+  if (options_.agentx) {
+    snmp_unregister_callback(SNMP_CALLBACK_APPLICATION, SNMPD_CALLBACK_INDEX_START, &SnmpAgent::onIndexStart, this,
+                             1);
+  }
+  snmp_shutdown(appName_.c_str());
+}
 
 void SnmpAgent::start() {
   init_snmp(appName_.c_str());
   if (options_.agentx) {
     return;  // the sub-agent connects from init_snmp and retries on its own
   }
+  errno = 0;
   if (init_master_agent() != 0) {
-    throw std::runtime_error("cannot listen on " + options_.listen);
+    // bind()'s errno survives net-snmp's failure path; without one there is no more to say.
+    int const reason = errno;
+    throw std::runtime_error("cannot listen on " + options_.listen +
+                             (reason != 0 ? std::string(": ") + std::strerror(reason) : std::string()));
   }
+}
+
+int SnmpAgent::onIndexStart(int, int, void*, void* clientArgument) {
+  auto const* const agent = static_cast<SnmpAgent const*>(clientArgument);
+  if (agent->masterSessionOpened_) {
+    agent->masterSessionOpened_();
+  }
+  return SNMPERR_SUCCESS;
 }
 
 void SnmpAgent::processOnce() { agent_check_and_process(1); }

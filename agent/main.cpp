@@ -3,12 +3,14 @@
 
 #include <iostream>
 #include <stdexcept>
+#include <string>
 
 #include <net-snmp/net-snmp-config.h>
 #include <net-snmp/net-snmp-includes.h>
 
 #include "AgentOptions.h"
 #include "DesiredState.h"
+#include "OperatorLog.h"
 #include "Plugin.h"
 #include "PortDriver.h"
 #include "Reconciler.h"
@@ -20,6 +22,7 @@
 #include "Snmp/SnmpUtil.h"
 #include "SnmpAgent.h"
 #include "Statebase/Statebase.h"
+#include "Zet/System.h"
 #include "Zet/Trace.h"
 
 namespace {
@@ -28,6 +31,14 @@ constexpr char const* program = "lldp-snmp-agent";
 
 DesiredState readState(AgentOptions const& options) {
   return options.scenario.empty() ? demoScenario() : loadScenarioFile(options.scenario);
+}
+
+std::string servedWhere(AgentOptions const& options) {
+  if (!options.agentx) {
+    return "on " + options.listen;
+  }
+  return "through the AgentX master at " + (options.agentx->empty() ? std::string("net-snmp's default socket")
+                                                                     : *options.agentx);
 }
 
 void writeRinglog(AgentOptions const& options) {
@@ -41,6 +52,13 @@ int run(AgentOptions const& options) {
   auto state = readState(options);
   Signals signals;
   SnmpAgent agent(options);
+  // TimeTicks count from sysUpTime 0 of whoever answers the manager: a master
+  // that restarts starts them again.
+  agent.masterSessionOpenedIs([] { Snmp::uptimeOriginIs(SnmpAgent::uptimeOrigin()); });
+  // A sub-agent opens its session here and so learns the master's uptime
+  // before the state is stamped; it registers nothing until the modules come
+  // up below, with the whole state in place.
+  agent.start();
   Snmp::uptimeOriginIs(SnmpAgent::uptimeOrigin());
   // The plug-in's notification must be registered before any change can raise it.
   auto const snmpConfig = Zet::makePtr<Snmp::Config>();
@@ -52,14 +70,14 @@ int run(AgentOptions const& options) {
   }
   Statebase::entityIs(SnmpUtil::snmpConfigPath, snmpConfig);
   Reconciler reconciler;
-  reconciler.apply(state);
+  OperatorLog::applied("state loaded", reconciler.apply(state));
   // The tables find the mirror at registration, and the LldpSm hands it over at
   // its first scan: both come before the plug-in's modules.
   PortDriver ports;
   ports.follow(reconciler);
   Plugin plugin(options.plugin.empty() ? Plugin::defaultPath() : options.plugin);
   plugin.initModules("");
-  agent.start();
+  std::cout << program << ": serving the LLDP-MIB " << servedWhere(options) << std::endl;
 
   bool stop = false;
   while (!stop) {
@@ -76,10 +94,18 @@ int run(AgentOptions const& options) {
           }
           try {
             // Read whole before anything is written; the driver follows the ports inside the apply.
-            reconciler.apply(loadScenarioFile(options.scenario));
+            DesiredState const next = loadScenarioFile(options.scenario);
+            double const lastNotification = ports.lldpSm()->lastNotificationTime();
+            auto const report = reconciler.apply(next);
+            OperatorLog::applied("reload applied", report);
+            // The notification goes out inside the apply, or not at all.
+            if (report.remTablesLastChangeTimeMoved && ports.lldpSm()->lastNotificationTime() == lastNotification) {
+              OperatorLog::notificationSuppressed(Zet::System::currentTime() - lastNotification);
+            }
           } catch (ScenarioError const& e) {
             std::cerr << program << ": reload refused, still serving the previous state: " << e.what()
                       << std::endl;
+            OperatorLog::refused(e.what());
           }
           break;
         case SIGUSR1:

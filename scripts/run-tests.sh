@@ -6,7 +6,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 build=build
-options=()
+# Set every time: a cache from another configuration must not turn the tests off.
+options=(-DLLDPSNMP_TESTS=ON)
 if [ "${1:-}" = "--sanitize" ]; then
   build=build-sanitize
   options+=(-DLLDPSNMP_SANITIZE=ON -DCMAKE_BUILD_TYPE=Debug)
@@ -15,4 +16,4 @@ if [ "${1:-}" = "--sanitize" ]; then
 fi
 cmake -S . -B "$build" "${options[@]}"
 cmake --build "$build" -j"$(nproc)"
-ctest --test-dir "$build" --output-on-failure -j"$(nproc)"
+ctest --test-dir "$build" --output-on-failure --no-tests=error -j"$(nproc)"

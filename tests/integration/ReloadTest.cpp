@@ -45,7 +45,7 @@ class Reload : public testing::Test {
     directory_ = makeTempDirectory();
     scenarioPath_ = directory_ + "/lab.json";
     writeFile(scenarioPath_, firstScenario);
-    agent_ = std::make_unique<AgentProcess>(std::vector<std::string>{"--scenario", scenarioPath_});
+    agent_ = std::make_unique<AgentProcess>(std::vector<std::string>{"--scenario", scenarioPath_, "--trace", "Agent=1"});
   }
   void TearDown() override {
     agent_.reset();
@@ -54,13 +54,23 @@ class Reload : public testing::Test {
   }
 
   // The value of a Gauge32 or TimeTicks scalar; -1 when it cannot be read.
-  long scalar(char const* oid) const {
+  long scalar(char const* oid) const { return value(oid).integer; }
+
+  // One object's value; type 0 when it cannot be read.
+  VarBind value(std::string const& oid) const {
     SnmpClient client(agent_->peer(), "public");
     auto const response = client.get({oid});
     if (response.timedOut || response.errorStatus != SNMP_ERR_NOERROR || response.varBinds.size() != 1) {
-      return -1;
+      VarBind none;
+      none.oid = oid;
+      none.integer = -1;
+      return none;
     }
-    return response.varBinds[0].integer;
+    return response.varBinds[0];
+  }
+
+  bool saidOnStandardError(std::string const& line) const {
+    return waitUntil([&] { return agent_->standardError().find(line) != std::string::npos; });
   }
 
   void reloadWith(std::string const& text) {
@@ -117,6 +127,45 @@ TEST_F(Reload, RefusedFileKeepsTheOldStateAndSaysWhyOnOneLine) {
                                         ": $: [json.exception.parse_error") != std::string::npos;
   })) << agent_->standardError();
   EXPECT_EQ(scalar(insertsOid), 2);
+}
+
+TEST_F(Reload, EachLoadIsRecordedForOperatorsByName) {
+  EXPECT_TRUE(saidOnStandardError("Agent[1] state loaded: ports joined e1, neighbours added alpha on e1\n"))
+      << agent_->standardError();
+  reloadWith(secondScenario);
+  EXPECT_TRUE(saidOnStandardError("Agent[1] reload applied: neighbours added beta on e1\n"))
+      << agent_->standardError();
+  // Within 5 s of the notification beta raised: this change raises none.
+  reloadWith(R"({"ports": [{"name": "e1", "neighbors": [{"msap": {"chassisId": {"hex": "00ff"}}}]},
+                           {"name": "e2"}]})");
+  EXPECT_TRUE(saidOnStandardError("Agent[1] reload applied: ports joined e2, neighbours added chassis 00:ff on e1, "
+                                  "neighbours removed alpha on e1, beta on e1\n"))
+      << agent_->standardError();
+  EXPECT_TRUE(saidOnStandardError("within the 5 s notification interval\n")) << agent_->standardError();
+  reloadWith("{\"ports\": 1}");
+  EXPECT_TRUE(saidOnStandardError("Agent[1] reload refused: " + scenarioPath_ + ": $.ports: expected an array\n"))
+      << agent_->standardError();
+}
+
+// A local address keeps the value it came with in the mirror; a reload that
+// changes it under the same key must still be served as the file says.
+TEST_F(Reload, ChangedLocalAddressIsServedWithItsNewValuesAndPorts) {
+  auto const scenario = [](int ifId) {
+    return R"({"localSystem": {"managementAddress": [{"manAddrSubtype": 1, "manAddr": "192.0.2.7", "ifSubtype": 2,
+               "ifId": )" + std::to_string(ifId) + R"(, "oid": "1.3.6.1.2.1.2.2.1.1.)" + std::to_string(ifId) +
+           R"(", "priority": 1}]},
+               "ports": [{"name": "e1", "config": {"manAddrTxEnable": true}}]})";
+  };
+  std::string const address = ".1.4.192.0.2.7";
+  std::string const ifId = "1.0.8802.1.1.2.1.3.8.1.5" + address;             // lldpLocManAddrIfId
+  std::string const oid = "1.0.8802.1.1.2.1.3.8.1.6" + address;              // lldpLocManAddrOID
+  std::string const portsTxEnable = "1.0.8802.1.1.2.1.1.7.1.1" + address;    // lldpConfigManAddrPortsTxEnable
+  reloadWith(scenario(3));
+  ASSERT_TRUE(waitUntil([&] { return value(ifId).integer == 3; })) << agent_->standardError();
+  reloadWith(scenario(9));
+  ASSERT_TRUE(waitUntil([&] { return value(ifId).integer == 9; })) << agent_->standardError();
+  EXPECT_EQ(value(oid).objectId, "1.3.6.1.2.1.2.2.1.1.9");
+  EXPECT_EQ(value(portsTxEnable).bytes, std::string("\x80", 1));
 }
 
 }  // namespace

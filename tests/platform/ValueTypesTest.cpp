@@ -109,7 +109,7 @@ TEST(ObjectIdentifier, DottedTextReadsBothWaysAndOrdersAsSnmpDoes) {
 // The textual conventions of the MIB files: name and number of each enumerator,
 // in the order of the SYNTAX INTEGER { ... } that follows `anchor`.
 std::vector<std::pair<std::string, std::int32_t>> mibEnumerators(std::string const& file, std::string const& anchor) {
-  std::ifstream in(std::filesystem::path(__FILE__).parent_path() / "../../../shared/mibs" / file);
+  std::ifstream in(std::filesystem::path(__FILE__).parent_path() / "../../mibs" / file);
   std::string const text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
   auto const open = std::min(text.find("INTEGER", std::min(text.find(anchor), text.size())), text.size());
   std::string const body = text.substr(open, text.find('}', open) - open);

@@ -17,6 +17,9 @@
 #include <stdexcept>
 #include <thread>
 
+#include <net-snmp/net-snmp-config.h>
+#include <net-snmp/net-snmp-includes.h>
+
 #include "SnmpClient.h"
 
 namespace {
@@ -126,7 +129,19 @@ AgentProcess::AgentProcess(std::vector<std::string> const& arguments)
   std::vector<std::string> words{LLDP_SNMP_AGENT_PATH, "--listen", "udp:127.0.0.1:" + std::to_string(port_),
                                  "--persistent-dir", directory_};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  pid_ = spawn(words, directory_ + "/stderr");
+  start(std::move(words));
+}
+
+AgentProcess::AgentProcess(std::vector<std::string> const& arguments, MasterSnmpd const& master)
+    : port_(master.port()), directory_(makeTempDirectory()) {
+  std::vector<std::string> words{LLDP_SNMP_AGENT_PATH, "--agentx", master.agentxSocket(), "--persistent-dir",
+                                 directory_};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  start(std::move(words));
+}
+
+void AgentProcess::start(std::vector<std::string> words) {
+  pid_ = spawn(std::move(words), directory_ + "/stderr");
 
   // Ready when it answers; bounded at about 10 s.
   SnmpClient client(peer(), "public", 50000, 0);
@@ -136,10 +151,12 @@ AgentProcess::AgentProcess(std::vector<std::string> const& arguments)
       pid_ = -1;
       throw std::runtime_error("agent ended at start: " + standardError());
     }
+    // A master answers noSuchObject until the sub-agent has registered.
     auto const r = client.get({"1.0.8802.1.1.2.1.1.5.0"});
-    if (!r.timedOut) {
+    if (!r.timedOut && !r.varBinds.empty() && r.varBinds[0].type != SNMP_NOSUCHOBJECT) {
       return;
     }
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
   }
   throw std::runtime_error("agent did not answer: " + standardError());
 }
@@ -189,4 +206,62 @@ AgentRun runAgentToEnd(std::vector<std::string> const& arguments) {
   std::error_code ec;
   std::filesystem::remove_all(directory, ec);
   return run;
+}
+
+MasterSnmpd::MasterSnmpd() : port_(freeUdpPort()), directory_(makeTempDirectory()) {
+  std::filesystem::create_directory(directory_ + "/persistent");
+  writeFile(directory_ + "/snmpd.conf", "master agentx\nagentXSocket " + agentxSocket() +
+                                            "\nrocommunity public 127.0.0.1\n");
+  start();
+}
+
+MasterSnmpd::~MasterSnmpd() {
+  stop();
+  std::error_code ec;
+  std::filesystem::remove_all(directory_, ec);
+}
+
+void MasterSnmpd::restart() {
+  stop();
+  start();
+}
+
+void MasterSnmpd::start() {
+  // The environment of the child: its own persistent store, no MIB files to parse.
+  std::vector<std::string> words{"/usr/bin/env",
+                                 "SNMP_PERSISTENT_DIR=" + directory_ + "/persistent",
+                                 "MIBS=",
+                                 "/usr/sbin/snmpd",
+                                 "-f",
+                                 "-C",
+                                 "-c",
+                                 directory_ + "/snmpd.conf",
+                                 "-Le",
+                                 "udp:127.0.0.1:" + std::to_string(port_)};
+  pid_ = spawn(words, directory_ + "/stderr");
+  SnmpClient client(peer(), "public", 50000, 0);
+  for (int attempt = 0; attempt < 200; ++attempt) {
+    int status = 0;
+    if (waitpid(pid_, &status, WNOHANG) == pid_) {
+      pid_ = -1;
+      throw std::runtime_error("snmpd ended at start: " + readFile(directory_ + "/stderr"));
+    }
+    if (!client.get({"1.3.6.1.2.1.1.3.0"}).timedOut) {
+      return;
+    }
+  }
+  throw std::runtime_error("snmpd did not answer: " + readFile(directory_ + "/stderr"));
+}
+
+void MasterSnmpd::stop() {
+  if (pid_ <= 0) {
+    return;
+  }
+  kill(pid_, SIGTERM);
+  int status = waitFor(pid_, 10.0);
+  if (status == -1) {
+    kill(pid_, SIGKILL);
+    waitpid(pid_, &status, 0);
+  }
+  pid_ = -1;
 }

@@ -8,15 +8,20 @@
 
 #include <sys/types.h>
 
+class MasterSnmpd;
+
 class AgentProcess {
  public:
   // Starts the agent with `arguments` added to --listen and --persistent-dir,
   // and waits (bounded) until it answers SNMP.
   explicit AgentProcess(std::vector<std::string> const& arguments);
+  // The same as an AgentX sub-agent of `master`, which then answers for it.
+  AgentProcess(std::vector<std::string> const& arguments, MasterSnmpd const& master);
   ~AgentProcess();
   AgentProcess(AgentProcess const&) = delete;
   AgentProcess& operator=(AgentProcess const&) = delete;
 
+  // Where a manager asks: the agent, or its master.
   std::string peer() const { return "udp:127.0.0.1:" + std::to_string(port_); }
   int port() const { return port_; }
   // Sends `signal` and returns at once (SIGHUP: re-read the scenario).
@@ -27,6 +32,33 @@ class AgentProcess {
   std::string standardError() const;
 
  private:
+  void start(std::vector<std::string> words);
+
+  int port_;
+  pid_t pid_ = -1;
+  std::string directory_;
+};
+
+// A private snmpd as AgentX master on a free loopback UDP port (community
+// "public"), its AgentX socket a file of its own; stopped when the object goes.
+class MasterSnmpd {
+ public:
+  // Starts it and waits (bounded) until it answers.
+  MasterSnmpd();
+  ~MasterSnmpd();
+  MasterSnmpd(MasterSnmpd const&) = delete;
+  MasterSnmpd& operator=(MasterSnmpd const&) = delete;
+
+  std::string peer() const { return "udp:127.0.0.1:" + std::to_string(port_); }
+  int port() const { return port_; }
+  std::string agentxSocket() const { return directory_ + "/agentx"; }
+  // Stops it and starts a new one on the same port and socket: its sysUpTime starts again.
+  void restart();
+
+ private:
+  void start();
+  void stop();
+
   int port_;
   pid_t pid_ = -1;
   std::string directory_;
