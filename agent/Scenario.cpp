@@ -154,15 +154,69 @@ void readInto(Object& object, std::string const& name, T& target, Read const& re
   }
 }
 
-// Builds a value whose type checks its own range, and reports the type's message at the node.
-template <class Make>
-auto checked(Node const& node, Make const& make) -> decltype(make()) {
-  try {
-    return make();
-  } catch (Zet::Exception const& e) {
-    node.fail(e.what());
+// A value of the file as a message shows it: a number as written, text quoted and cut short.
+std::string givenText(Json const& value) {
+  if (!value.is_string()) {
+    return value.dump();
   }
+  constexpr std::size_t shown = 40;
+  std::string text = value.get<std::string>();
+  if (text.size() > shown) {
+    std::size_t cut = shown;
+    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xc0) == 0x80) {
+      --cut;  // not inside a UTF-8 sequence
+    }
+    text = text.substr(0, cut) + "...";
+  }
+  return "'" + text + "'";
 }
+
+// Every refusal of a value reads "<given> is not <allowed>", followed by the
+// message of the type that refused it, if a type did.
+[[noreturn]] void refuseGiven(Node const& node, std::string const& given, std::string const& allowed,
+                              std::string const& typeMessage) {
+  node.fail(given + " is not " + allowed + (typeMessage.empty() ? "" : " (" + typeMessage + ")"));
+}
+
+[[noreturn]] void refuse(Node const& node, std::string const& allowed, std::string const& typeMessage = {}) {
+  refuseGiven(node, givenText(node.json()), allowed, typeMessage);
+}
+
+// What a type with limits of its own holds, for the message that refuses a number.
+template <class T>
+struct Allowed;
+
+template <>
+struct Allowed<Interface::EthPortId> {
+  static std::string text() {
+    return "a port number from " + std::to_string(Interface::EthPortId::min) + " to " +
+           std::to_string(Interface::EthPortId::max);
+  }
+};
+
+template <>
+struct Allowed<Bridging::VlanId> {
+  static std::string text() {
+    return "a VLAN ID from " + std::to_string(Bridging::VlanId::min) + " to " + std::to_string(Bridging::VlanId::max);
+  }
+};
+
+template <>
+struct Allowed<Bridging::VlanIdOrNone> {
+  static std::string text() {
+    return "a VLAN ID from " + std::to_string(Bridging::VlanId::min) + " to " +
+           std::to_string(Bridging::VlanIdOrNone::max) + ", or " + std::to_string(Bridging::VlanIdOrNone::none) +
+           " for none";
+  }
+};
+
+template <>
+struct Allowed<Lldp::UnknownTlv> {
+  static std::string text() {
+    return "a TLV type from " + std::to_string(Lldp::UnknownTlv::minType) + " to " +
+           std::to_string(Lldp::UnknownTlv::maxType);
+  }
+};
 
 std::vector<Node> readArray(Node const& node) {
   if (!node.json().is_array()) {
@@ -197,18 +251,25 @@ double readSeconds(Node const& node) {
   return node.json().get<double>();
 }
 
-std::int64_t readInteger(Node const& node, std::int64_t min, std::int64_t max) {
+// The integer, or nothing when it is above INT64_MAX, which no attribute allows.
+std::optional<std::int64_t> readWholeNumber(Node const& node) {
   auto const& json = node.json();
   if (!json.is_number_integer()) {
     node.fail("expected an integer");
   }
-  // Above INT64_MAX only an unsigned read holds the number; it is out of range anyway.
-  bool const huge = json.is_number_unsigned() && json.get<std::uint64_t>() > static_cast<std::uint64_t>(max);
-  std::int64_t const value = huge ? 0 : json.get<std::int64_t>();
-  if (huge || value < min || value > max) {
-    node.fail("expected an integer from " + std::to_string(min) + " to " + std::to_string(max));
+  constexpr auto int64Max = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+  if (json.is_number_unsigned() && json.get<std::uint64_t>() > int64Max) {
+    return std::nullopt;
   }
-  return value;
+  return json.get<std::int64_t>();
+}
+
+std::int64_t readInteger(Node const& node, std::int64_t min, std::int64_t max) {
+  auto const value = readWholeNumber(node);
+  if (!value || *value < min || *value > max) {
+    refuse(node, "an integer from " + std::to_string(min) + " to " + std::to_string(max));
+  }
+  return *value;
 }
 
 template <class Int>
@@ -270,7 +331,7 @@ Zet::String readOctets(Node const& node) {
   object.finish();
   auto const bytes = bytesFromHex(readString(hexNode));
   if (!bytes) {
-    hexNode.fail("expected pairs of hex digits, such as \"001c73aabbcc\"");
+    refuse(hexNode, "pairs of hex digits such as \"001c73aabbcc\"");
   }
   return Zet::String(*bytes);
 }
@@ -280,7 +341,7 @@ Zet::String readIdentifier(Node const& node, bool isMacAddress) {
   if (isMacAddress && node.json().is_string()) {
     auto const bytes = bytesFromMac(node.json().get<std::string>());
     if (!bytes) {
-      node.fail("expected a MAC address such as \"00:1c:73:aa:bb:cc\", or {\"hex\": \"...\"}");
+      refuse(node, "a MAC address such as \"00:1c:73:aa:bb:cc\"; other bytes need {\"hex\": \"...\"}");
     }
     return Zet::String(*bytes);
   }
@@ -296,8 +357,8 @@ Lldp::ManAddress readManAddr(Node const& node, std::int32_t family) {
     bool const v4 = family == ipV4Family;
     std::array<unsigned char, 16> address{};
     if (inet_pton(v4 ? AF_INET : AF_INET6, node.json().get<std::string>().c_str(), address.data()) != 1) {
-      node.fail(v4 ? "expected an IPv4 address such as \"192.0.2.1\", or {\"hex\": \"...\"}"
-                   : "expected an IPv6 address such as \"2001:db8::1\", or {\"hex\": \"...\"}");
+      refuse(node, v4 ? "an IPv4 address such as \"192.0.2.1\"; other bytes need {\"hex\": \"...\"}"
+                      : "an IPv6 address such as \"2001:db8::1\"; other bytes need {\"hex\": \"...\"}");
     }
     return Lldp::ManAddress(Zet::String(reinterpret_cast<char const*>(address.data()), v4 ? 4 : 16));
   }
@@ -322,7 +383,7 @@ Lldp::Oui readOui(Node const& node) {
   }
   auto const bytes = wellFormed ? bytesFromHex(hex) : std::nullopt;
   if (!bytes) {
-    node.fail("expected an OUI such as \"00-80-c2\"");
+    refuse(node, "an OUI such as \"00-80-c2\" or a number up to " + std::to_string(ouiMax));
   }
   std::uint32_t value = 0;
   for (char const byte : *bytes) {
@@ -340,7 +401,15 @@ E readEnum(Node const& node) {
   if (!node.json().is_string()) {
     node.fail("expected a name or a number");
   }
-  return checked(node, [&] { return Lldp::enumFromText<E>(node.json().get<std::string>()); });
+  try {
+    return Lldp::enumFromText<E>(node.json().get<std::string>());
+  } catch (Zet::ParseException const& e) {
+    std::string names;
+    for (Lldp::EnumName const& entry : Lldp::EnumNames<E>::table) {
+      names += (names.empty() ? "" : ", ") + std::string(entry.name);
+    }
+    refuse(node, "a number or one of the names " + names, e.what());
+  }
 }
 
 // The named bits of a BITS object or textual convention, bit n being named bit n.
@@ -378,23 +447,50 @@ std::uint32_t readBits(Node const& node, BitNames const& bits) {
       ++bit;
     }
     if (bit == bits.names.size()) {
-      element.fail("'" + name + "' is no " + std::string(bits.typeName) + " bit name");
+      std::string names;
+      for (std::string_view const known : bits.names) {
+        names += (names.empty() ? "" : ", ") + std::string(known);
+      }
+      refuse(element, "one of the " + std::string(bits.typeName) + " bit names " + names);
     }
     value |= 1u << bit;
   }
   return value;
 }
 
+// `bytes` as a string type with a length limit; `what` names the value in the message.
 template <class Bounded>
-Bounded readBounded(Node const& node) {
-  Zet::String const bytes = readOctets(node);
-  return checked(node, [&] { return Bounded(bytes); });
+Bounded boundedOf(Node const& node, Zet::String const& bytes, std::string_view what) {
+  try {
+    return Bounded(bytes);
+  } catch (Zet::RangeException const& e) {
+    node.fail(std::to_string(bytes.size()) + " bytes is longer than the " + std::to_string(Bounded::maxBytes) +
+              " bytes " + std::string(what) + " may have (" + e.what() + ")");
+  }
 }
 
-template <class Value>
+// A reader of an octet string with a length limit.
+template <class Bounded>
+auto bounded(std::string_view what) {
+  return [what](Node const& node) { return boundedOf<Bounded>(node, readOctets(node), what); };
+}
+
+// `given` as a type with limits of its own; `Raw` is what the type is built from.
+template <class Value, class Raw>
+Value rangedOf(Node const& node, std::optional<std::int64_t> given, std::string const& givenText) {
+  if (!given || *given < std::numeric_limits<Raw>::min() || *given > std::numeric_limits<Raw>::max()) {
+    refuseGiven(node, givenText, Allowed<Value>::text(), "");  // beyond what the type can be asked about
+  }
+  try {
+    return Value(static_cast<Raw>(*given));
+  } catch (Zet::RangeException const& e) {
+    refuseGiven(node, givenText, Allowed<Value>::text(), e.what());
+  }
+}
+
+template <class Value, class Raw = std::uint16_t>
 Value readRanged(Node const& node) {
-  auto const raw = readInt<std::uint16_t>(node);
-  return checked(node, [&] { return Value(raw); });
+  return rangedOf<Value, Raw>(node, readWholeNumber(node), givenText(node.json()));
 }
 
 std::string addressText(Lldp::ManagementAddress::Key const& key) {
@@ -490,7 +586,11 @@ AddressEntry readManagementAddress(Node const& node, bool local) {
   readInto(object, "ifId", address.ifId, readInt<std::int32_t>);
   readInto(object, "oid", address.oid, [](Node const& n) {
     std::string const text = readString(n);
-    return checked(n, [&] { return Snmp::ObjectIdentifier::fromDotted(text); });
+    try {
+      return Snmp::ObjectIdentifier::fromDotted(text);
+    } catch (Zet::ParseException const& e) {
+      refuse(n, "a dotted object identifier such as \"1.3.6.1.2.1.2.2.1.1.7\"", e.what());
+    }
   });
   if (local) {
     readInto(object, "priority", entry.priority, readPriority);
@@ -563,11 +663,9 @@ DesiredLocalPort readLocalPort(Node const& node) {
   Object object(node);
   readInto(object, "portIdSubtype", port.portIdSubtype, readEnum<Lldp::PortIdSubtype>);
   bool const macPort = port.portIdSubtype == Lldp::PortIdSubtype::macAddress;
-  readInto(object, "portId", port.portId, [&](Node const& n) {
-    Zet::String const bytes = readIdentifier(n, macPort);
-    return checked(n, [&] { return Lldp::PortId(bytes); });
-  });
-  readInto(object, "portDesc", port.portDesc, readBounded<Lldp::BoundedString255>);
+  readInto(object, "portId", port.portId,
+           [&](Node const& n) { return boundedOf<Lldp::PortId>(n, readIdentifier(n, macPort), "a port ID"); });
+  readInto(object, "portDesc", port.portDesc, bounded<Lldp::BoundedString255>("a port description"));
   readInto(object, "portVlanId", port.portVlanId, readRanged<Bridging::VlanIdOrNone>);
   readInto(object, "linkAggStatus", port.linkAggStatus, readLinkAggStatus);
   readInto(object, "linkAggPortId", port.linkAggPortId, readInt<std::int32_t>);
@@ -596,15 +694,12 @@ Lldp::RemoteSystemMsap readMsap(Node const& node) {
   readInto(object, "chassisIdSubtype", msap.chassisIdSubtype, readEnum<Lldp::ChassisIdSubtype>);
   bool const macChassis = msap.chassisIdSubtype == Lldp::ChassisIdSubtype::macAddress;
   readInto(object, "chassisId", msap.chassisId, [&](Node const& n) {
-    Zet::String const bytes = readIdentifier(n, macChassis);
-    return checked(n, [&] { return Lldp::ChassisId(bytes); });
+    return boundedOf<Lldp::ChassisId>(n, readIdentifier(n, macChassis), "a chassis ID");
   });
   readInto(object, "portIdSubtype", msap.portIdSubtype, readEnum<Lldp::PortIdSubtype>);
   bool const macPort = msap.portIdSubtype == Lldp::PortIdSubtype::macAddress;
-  readInto(object, "portId", msap.portId, [&](Node const& n) {
-    Zet::String const bytes = readIdentifier(n, macPort);
-    return checked(n, [&] { return Lldp::PortId(bytes); });
-  });
+  readInto(object, "portId", msap.portId,
+           [&](Node const& n) { return boundedOf<Lldp::PortId>(n, readIdentifier(n, macPort), "a port ID"); });
   object.finish();
   return msap;
 }
@@ -624,11 +719,9 @@ std::vector<Record> readCollection(Node const& node, Read const& read, KeyOf con
 Lldp::UnknownTlv readUnknownTlv(Node const& node) {
   Lldp::UnknownTlv tlv;
   Object object(node);
-  readInto(object, "type", tlv.type, [](Node const& n) {
-    auto const type = readInt<std::uint32_t>(n);
-    return checked(n, [&] { return Lldp::UnknownTlv(type); }).type;
-  });
-  readInto(object, "info", tlv.info, readBounded<Lldp::BoundedString511>);
+  readInto(object, "type", tlv.type,
+           [](Node const& n) { return readRanged<Lldp::UnknownTlv, std::uint32_t>(n).type; });
+  readInto(object, "info", tlv.info, bounded<Lldp::BoundedString511>("the information of a TLV"));
   object.finish();
   return tlv;
 }
@@ -642,7 +735,8 @@ Lldp::UnknownOrgDefTlv readUnknownOrgDefTlv(Node const& node) {
   readInto(object, "subtype", tlv.subtype,
            [](Node const& n) { return static_cast<std::uint32_t>(readInteger(n, 0, subtypeMax)); });
   readInto(object, "index", tlv.index, readIndex);
-  readInto(object, "orgDefInfo", tlv.orgDefInfo, readBounded<Lldp::BoundedString507>);
+  readInto(object, "orgDefInfo", tlv.orgDefInfo, 
+           bounded<Lldp::BoundedString507>("the information of an organisationally specific TLV"));
   object.finish();
   return tlv;
 }
@@ -661,7 +755,7 @@ Lldp::VlanName readVlanName(Node const& node) {
   Lldp::VlanName name;
   Object object(node);
   readInto(object, "vlanId", name.vlanId, readRanged<Bridging::VlanId>);
-  readInto(object, "vlanName", name.vlanName, readBounded<Lldp::BoundedString32>);
+  readInto(object, "vlanName", name.vlanName, bounded<Lldp::BoundedString32>("a VLAN name"));
   object.finish();
   return name;
 }
@@ -670,7 +764,7 @@ Lldp::ProtocolIdentityInfo readProtocolIdentity(Node const& node) {
   Lldp::ProtocolIdentityInfo info;
   Object object(node);
   readInto(object, "index", info.index, readIndex);
-  readInto(object, "protocolId", info.protocolId, readBounded<Lldp::BoundedString255>);
+  readInto(object, "protocolId", info.protocolId, bounded<Lldp::BoundedString255>("a protocol identity"));
   object.finish();
   return info;
 }
@@ -715,9 +809,9 @@ DesiredNeighbor readNeighbor(Node const& node, std::size_t position) {
   Object object(node);
   readInto(object, "index", neighbor.index, readIndex);
   readInto(object, "msap", neighbor.msap, readMsap);
-  readInto(object, "portDesc", neighbor.portDesc, readBounded<Lldp::BoundedString255>);
-  readInto(object, "sysName", neighbor.sysName, readBounded<Lldp::BoundedString255>);
-  readInto(object, "sysDesc", neighbor.sysDesc, readBounded<Lldp::BoundedString255>);
+  readInto(object, "portDesc", neighbor.portDesc, bounded<Lldp::BoundedString255>("a port description"));
+  readInto(object, "sysName", neighbor.sysName, bounded<Lldp::BoundedString255>("a system name"));
+  readInto(object, "sysDesc", neighbor.sysDesc, bounded<Lldp::BoundedString255>("a system description"));
   readInto(object, "sysCapSupported", neighbor.sysCapSupported, readCapabilities);
   readInto(object, "sysCapEnabled", neighbor.sysCapEnabled, readCapabilities);
   readInto(object, "managementAddress", neighbor.managementAddress, readRemoteAddresses);
@@ -779,7 +873,9 @@ DesiredPort readPort(Node const& node, std::size_t position) {
   if (auto const number = object.take("number")) {
     port.number = readRanged<Interface::EthPortId>(*number);
   } else {
-    port.number = checked(node, [&] { return Interface::EthPortId(static_cast<std::uint16_t>(position + 1)); });
+    auto const byPosition = static_cast<std::int64_t>(position + 1);
+    port.number = rangedOf<Interface::EthPortId, std::uint16_t>(
+        node, byPosition, "its position, " + std::to_string(byPosition) + ",");
   }
   readInto(object, "config", port.config, readPortConfig);
   readInto(object, "localPort", port.localPort, readLocalPort);
@@ -828,6 +924,93 @@ DesiredState readState(Node const& node) {
   return state;
 }
 
+// Builds the document as nlohmann's own parser does, and stops at what that
+// parser lets through or throws without a place: an attribute given twice in
+// one object (nlohmann keeps the last), a number beyond a double.
+class StrictReader {
+ public:
+  explicit StrictReader(Json& document) : builder_(document) {}
+
+  // Where and why the text was refused, once a call answered false.
+  std::string const& path() const { return path_; }
+  std::string const& reason() const { return reason_; }
+
+  bool null() { return value() && builder_.null(); }
+  bool boolean(bool b) { return value() && builder_.boolean(b); }
+  bool number_integer(Json::number_integer_t n) { return value() && builder_.number_integer(n); }
+  bool number_unsigned(Json::number_unsigned_t n) { return value() && builder_.number_unsigned(n); }
+  bool number_float(Json::number_float_t n, Json::string_t const& text) {
+    return value() && builder_.number_float(n, text);
+  }
+  bool string(Json::string_t& text) { return value() && builder_.string(text); }
+  bool binary(Json::binary_t& bytes) { return value() && builder_.binary(bytes); }
+  bool start_object(std::size_t size) {
+    bool const ok = value() && builder_.start_object(size);
+    open_.emplace_back();
+    return ok;
+  }
+  bool key(Json::string_t& name) {
+    if (!open_.back().keys.insert(name).second) {
+      return refuse(pathHere(), "duplicate attribute '" + name + "'");
+    }
+    open_.back().key = name;
+    return builder_.key(name);
+  }
+  bool end_object() {
+    open_.pop_back();
+    return builder_.end_object();
+  }
+  bool start_array(std::size_t size) {
+    bool const ok = value() && builder_.start_array(size);
+    open_.emplace_back().array = true;
+    return ok;
+  }
+  bool end_array() {
+    open_.pop_back();
+    return builder_.end_array();
+  }
+  template <class Exception>
+  bool parse_error(std::size_t position, std::string const& /*token*/, Exception const& e) {
+    return refuse("$", std::string(e.what()) + " (byte " + std::to_string(position) + ")");
+  }
+
+ private:
+  // An object or array being read.
+  struct Open {
+    bool array = false;
+    std::size_t elements = 0;
+    std::string key;  // of the member being read
+    std::set<std::string> keys;
+  };
+
+  bool value() {
+    if (!open_.empty() && open_.back().array) {
+      ++open_.back().elements;
+    }
+    return true;
+  }
+
+  // The path of the innermost open object or array.
+  std::string pathHere() const {
+    std::string path = "$";
+    for (std::size_t i = 0; i + 1 < open_.size(); ++i) {
+      path += open_[i].array ? "[" + std::to_string(open_[i].elements - 1) + "]" : "." + open_[i].key;
+    }
+    return path;
+  }
+
+  bool refuse(std::string path, std::string reason) {
+    path_ = std::move(path);
+    reason_ = std::move(reason);
+    return false;
+  }
+
+  nlohmann::detail::json_sax_dom_parser<Json> builder_;
+  std::vector<Open> open_;
+  std::string path_;
+  std::string reason_;
+};
+
 }  // namespace
 
 ScenarioError::ScenarioError(std::string source, std::string path, std::string reason)
@@ -838,10 +1021,9 @@ ScenarioError::ScenarioError(std::string source, std::string path, std::string r
 
 DesiredState parseScenario(std::string_view json, std::string const& sourceName) {
   Json document;
-  try {
-    document = Json::parse(json);
-  } catch (Json::parse_error const& e) {
-    throw ScenarioError(sourceName, "$", std::string(e.what()) + " (byte " + std::to_string(e.byte) + ")");
+  StrictReader reader(document);
+  if (!Json::sax_parse(json, &reader)) {
+    throw ScenarioError(sourceName, reader.path(), reader.reason());
   }
   return readState(Node(document, "$", sourceName));
 }

@@ -10,7 +10,8 @@
 
 // A scenario that cannot be served. what() is one line:
 // "<source>: <JSON path>: <reason>", as in
-// "lab.json: $.ports[2].neighbors[0].vlanName[1].vlanId: VlanId::value < 1 or > 4094 not allowed".
+// "lab.json: $.ports[2].neighbors[0].vlanName[1].vlanId: 0 is not a VLAN ID from 1 to 4094
+// (VlanId::value < 1 or > 4094 not allowed)".
 class ScenarioError : public std::runtime_error {
  public:
   ScenarioError(std::string source, std::string path, std::string reason);

@@ -15,7 +15,7 @@ VlanId::VlanId(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const
 
 void VlanId::valueIs(std::uint16_t raw) {
   // 0 and 4095 are reserved by IEEE 802.1Q.
-  if (raw < 1 || raw > 4094) {
+  if (raw < min || raw > max) {
     Zet::throwRangeException("VlanId::value < 1 or > 4094 not allowed");
   }
   value_ = raw;
@@ -28,7 +28,7 @@ VlanIdOrNone::VlanIdOrNone(Zet::String::IteratorConst& pos, Zet::String::Iterato
 }
 
 void VlanIdOrNone::valueIs(std::uint16_t raw) {
-  if (raw > 4094) {
+  if (raw > max) {
     Zet::throwRangeException("VlanIdOrNone::value > 4094 not allowed");
   }
   value_ = raw;

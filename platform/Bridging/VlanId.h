@@ -14,6 +14,9 @@ namespace Bridging {
 
 class VlanId {
  public:
+  static constexpr std::uint16_t min = 1;
+  static constexpr std::uint16_t max = 4094;
+
   VlanId() = default;
   // Raises a Zet::RangeException outside 1 to 4094.
   explicit VlanId(std::uint16_t raw);
@@ -32,6 +35,9 @@ class VlanId {
 
 class VlanIdOrNone {
  public:
+  static constexpr std::uint16_t none = 0;
+  static constexpr std::uint16_t max = VlanId::max;
+
   VlanIdOrNone() = default;
   // Raises a Zet::RangeException above 4094.
   explicit VlanIdOrNone(std::uint16_t raw);

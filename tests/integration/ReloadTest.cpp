@@ -112,7 +112,8 @@ TEST_F(Reload, RefusedFileKeepsTheOldStateAndSaysWhyOnOneLine) {
 
   reloadWith(R"({"ports": [{"name": "e1", "neighbors": [{"vlanName": [{"vlanId": 4095}]}]}]})");
   std::string const refusal = "lldp-snmp-agent: reload refused, still serving the previous state: " + scenarioPath_ +
-                              ": $.ports[0].neighbors[0].vlanName[0].vlanId: VlanId::value < 1 or > 4094 not allowed\n";
+                              ": $.ports[0].neighbors[0].vlanName[0].vlanId: 4095 is not a VLAN ID from 1 to 4094 "
+                              "(VlanId::value < 1 or > 4094 not allowed)\n";
   ASSERT_TRUE(waitUntil([&] { return agent_->standardError().find(refusal) != std::string::npos; }))
       << agent_->standardError();
   EXPECT_EQ(scalar(insertsOid), 2);
