@@ -1,6 +1,100 @@
 #include "AgentOptions.h"
 
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
 #include <CLI/CLI.hpp>
+
+#include "Zet/Trace.h"
+
+namespace {
+
+struct TraceLevel {
+  int level;
+  std::string_view shows;
+};
+
+struct TraceHandleInfo {
+  std::string_view name;
+  std::string_view part;
+  std::vector<TraceLevel> levels;
+};
+
+// The handles --trace may set: what the check accepts and what --help shows.
+std::vector<TraceHandleInfo> const traceHandles{
+    {"Snmp",
+     "the MIB units",
+     {{0, "faults: bad index hints, unknown columns, tables that could not be set up"},
+      {1, "the OIDs registered"},
+      {2, "the flow of each request"},
+      {4, "why a row was left out; lldpRemTablesChange queued or not sent"},
+      {8, "the row finally taken; tables initialised"}}},
+    {"LldpSnmp",
+     "the reactors that keep the mirror of the LLDP state current",
+     {{1, "ports and neighbours arriving and going"},
+      {2, "rows added and removed, and the changes that caused them"},
+      {4, "lldpRemTablesChange raised"},
+      {6, "lldpRemTablesChange suppressed within lldpNotificationInterval"},
+      {8, "scans of the LLDP state"}}},
+    {"Zet", "the framework", {{0, "a change handler that let an exception out"}}},
+    {"Agent", "the host", {{1, "one line per applied or refused reload and per suppressed notification"}}},
+    {"Feed", "the live lldpd feed", {}},
+};
+
+std::string traceHandleNames() {
+  std::string names;
+  for (TraceHandleInfo const& handle : traceHandles) {
+    names += (names.empty() ? "" : ", ") + std::string(handle.name);
+  }
+  return names;
+}
+
+std::string traceHelp() {
+  std::string help = "Trace handles (--trace NAME=N shows levels 0 to N of NAME):\n";
+  constexpr std::size_t nameWidth = 10;
+  for (TraceHandleInfo const& handle : traceHandles) {
+    help += "  " + std::string(handle.name) + std::string(nameWidth - handle.name.size(), ' ') +
+            std::string(handle.part) + "\n";
+    for (TraceLevel const& level : handle.levels) {
+      help += std::string(nameWidth + 2, ' ') + std::to_string(level.level) + "  " + std::string(level.shows) + "\n";
+    }
+  }
+  return help;
+}
+
+// Empty when `text` sets only known handles, else why not.
+std::string traceProblem(std::string const& text) {
+  try {
+    for (Zet::Trace::Setting const& setting : Zet::Trace::parseSettings(text)) {
+      auto const named = [&](TraceHandleInfo const& handle) { return setting.handleName.view() == handle.name; };
+      if (std::ranges::none_of(traceHandles, named)) {
+        return "unknown trace handle '" + setting.handleName.stdString() + "'\nthe known ones are " +
+               traceHandleNames();
+      }
+    }
+  } catch (std::invalid_argument const& e) {
+    return e.what();
+  }
+  return "";
+}
+
+// CLI11's own check of a non-negative number shows its upper bound, a 300-digit double.
+std::string secondsProblem(std::string const& text) {
+  double seconds = 0;
+  auto const [end, ec] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+  if (text.empty() || ec != std::errc() || end != text.data() + text.size() || !std::isfinite(seconds) ||
+      seconds < 0) {
+    return (text.empty() ? "''" : text) + " is not a number of seconds from 0 up";
+  }
+  return "";
+}
+
+}  // namespace
 
 ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
   AgentOptions o;
@@ -9,6 +103,7 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
       "state (a scenario file, or a built-in demo switch).",
       "lldp-snmp-agent"};
   app.get_formatter()->column_width(34);
+  app.footer(traceHelp());
   app.add_option("--listen", o.listen, "Address to serve SNMP on, in net-snmp transport syntax")
       ->type_name("ADDR")
       ->capture_default_str();
@@ -30,11 +125,18 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
   // Not checked here: a scenario that cannot be read is refused like any bad scenario.
   app.add_option("--scenario", o.scenario, "LLDP state to serve, as JSON (default: a built-in demo switch)")
       ->type_name("FILE");
+  std::string check;
+  auto* checkOption = app.add_option("--check", check,
+                                     "Only read and check the scenario FILE: print what it holds, or why it is "
+                                     "refused (exit 1); serve nothing")
+                          ->type_name("FILE");
   app.add_option("--plugin", o.plugin, "The LldpSnmp plug-in to load (default: the one built or installed beside "
                                        "this program)")
       ->check(CLI::ExistingFile.description(""))
       ->type_name("FILE");
-  app.add_option("--trace", o.trace, "Trace levels per handle to standard error, e.g. Snmp=2,LldpSnmp=8")
+  app.add_option("--trace", o.trace,
+                 "Trace levels per handle to standard error, e.g. Snmp=2,LldpSnmp=8 (handles below)")
+      ->check(CLI::Validator([](std::string& text) { return traceProblem(text); }, "", ""))
       ->type_name("LEVELS");
   app.add_option("--ringlog", o.ringlog, "Write the in-memory ring log to FILE at exit and on SIGUSR1")
       ->type_name("FILE");
@@ -44,7 +146,7 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
   app.add_flag("--no-notifications", noNotifications, "Send no notifications (lldpRemTablesChange)");
   app.add_option("--notification-delay", o.notificationDelay,
                  "Hold each lldpRemTablesChange notification back this long before it is sent")
-      ->check(CLI::NonNegativeNumber.description(""))
+      ->check(CLI::Validator([](std::string& text) { return secondsProblem(text); }, "", ""))
       ->type_name("SECONDS")
       ->capture_default_str();
   try {
@@ -56,6 +158,9 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
   o.notifications = !noNotifications;
   if (agentxOption->count() > 0) {
     o.agentx = agentx;
+  }
+  if (checkOption->count() > 0) {
+    o.check = check;
   }
   return {o, 0};
 }

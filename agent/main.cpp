@@ -1,6 +1,7 @@
 // lldp-snmp-agent: an SNMP agent that loads the LldpSnmp plug-in and serves
 // the LLDP state of a scenario file (or of a built-in demo switch).
 
+#include <cstddef>
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -31,6 +32,21 @@ constexpr char const* program = "lldp-snmp-agent";
 
 DesiredState readState(AgentOptions const& options) {
   return options.scenario.empty() ? demoScenario() : loadScenarioFile(options.scenario);
+}
+
+// --check: the scenario is read as at start, and nothing is served.
+int checkScenario(std::string const& path) {
+  DesiredState const state = loadScenarioFile(path);
+  std::size_t neighbours = 0;
+  for (DesiredPort const& port : state.ports) {
+    neighbours += port.neighbors.size();
+  }
+  auto const counted = [](std::size_t n, char const* one, char const* many) {
+    return std::to_string(n) + " " + (n == 1 ? one : many);
+  };
+  std::cout << path << ": " << counted(state.ports.size(), "port", "ports") << ", "
+            << counted(neighbours, "neighbour", "neighbours") << ", OK" << std::endl;
+  return 0;
 }
 
 std::string servedWhere(AgentOptions const& options) {
@@ -128,14 +144,10 @@ int main(int argc, char** argv) {
   if (!parsed.options) {
     return parsed.exitCode;
   }
+  // The options have checked the text already.
+  Zet::Trace::configure(parsed.options->trace);
   try {
-    Zet::Trace::configure(parsed.options->trace);
-  } catch (std::invalid_argument const& e) {
-    std::cerr << program << ": --trace: " << e.what() << std::endl;
-    return 2;
-  }
-  try {
-    return run(*parsed.options);
+    return parsed.options->check ? checkScenario(*parsed.options->check) : run(*parsed.options);
   } catch (ScenarioError const& e) {
     std::cerr << program << ": " << e.what() << std::endl;
     return 1;

@@ -69,7 +69,8 @@ unsigned levels(String const& handleName) {
   return r.setting(handleName).mask.load();
 }
 
-void configure(std::string_view settings) {
+std::vector<Setting> parseSettings(std::string_view settings) {
+  std::vector<Setting> parsed;
   while (!settings.empty()) {
     auto const comma = settings.find(',');
     std::string_view item = settings.substr(0, comma);
@@ -90,7 +91,14 @@ void configure(std::string_view settings) {
       throw std::invalid_argument("level of \"" + std::string(item.substr(0, eq)) + "\" must be -1 to 31");
     }
     unsigned const mask = level < 0 ? 0u : (level == 31 ? ~0u : (2u << level) - 1u);
-    levelsIs(String(item.substr(0, eq)), mask);
+    parsed.push_back({String(item.substr(0, eq)), mask});
+  }
+  return parsed;
+}
+
+void configure(std::string_view settings) {
+  for (Setting const& setting : parseSettings(settings)) {
+    levelsIs(setting.handleName, setting.mask);
   }
 }
 

@@ -10,6 +10,7 @@
 #include <functional>
 #include <sstream>
 #include <string_view>
+#include <vector>
 
 #include "Zet/String.h"
 
@@ -55,8 +56,14 @@ namespace Trace {
 // Levels are a bit set: bit n enables level n.
 void levelsIs(String const& handleName, unsigned mask);
 unsigned levels(String const& handleName);
+struct Setting {
+  String handleName;
+  unsigned mask;
+};
 // "Snmp=2,LldpSnmp=8": each NAME=N enables levels 0 to N of that handle, NAME=-1
 // turns it off. Throws std::invalid_argument on a malformed text.
+std::vector<Setting> parseSettings(std::string_view settings);
+// Applies parseSettings(settings).
 void configure(std::string_view settings);
 // Where lines go; the default writes "<handle>[<level>] <text>" to standard error.
 using Sink = std::function<void(String const& handleName, int level, std::string_view text)>;

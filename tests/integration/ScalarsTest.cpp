@@ -7,9 +7,7 @@
 #include <net-snmp/net-snmp-includes.h>
 
 #include <csignal>
-#include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include <sys/wait.h>
@@ -136,48 +134,6 @@ TEST(AgentLifecycle, DemoSwitchServesTheScalars) {
   ASSERT_GE(walked.size(), 6u);
   EXPECT_EQ(walked[0].oid, "1.0.8802.1.1.2.1.3.1.0");
   EXPECT_FALSE(walked[1].bytes.empty());  // the demo has a chassis ID
-}
-
-TEST(AgentStart, BadScenarioStopsTheAgentWithOneLineNamingFilePathAndReason) {
-  auto const directory = makeTempDirectory();
-  std::string const file = directory + "/bad.json";
-  {
-    std::ofstream out(file);
-    out << R"({"ports": [{"name": "Ethernet1", "neighbors": [{"vlanName": [{"vlanId": 4095}]}]}]})";
-  }
-  auto const run = runAgentToEnd({"--scenario", file});
-  std::filesystem::remove_all(directory);
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.standardError, "lldp-snmp-agent: " + file +
-                                   ": $.ports[0].neighbors[0].vlanName[0].vlanId: VlanId::value < 1 or > 4094 not "
-                                   "allowed\n");
-}
-
-TEST(AgentStart, NotJsonIsRefusedBeforeServing) {
-  auto const directory = makeTempDirectory();
-  std::string const file = directory + "/broken.json";
-  {
-    std::ofstream out(file);
-    out << "{\"config\": ";
-  }
-  auto const run = runAgentToEnd({"--scenario", file});
-  std::filesystem::remove_all(directory);
-  EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.standardError.rfind("lldp-snmp-agent: " + file + ": $: ", 0), 0u) << run.standardError;
-  EXPECT_EQ(std::count(run.standardError.begin(), run.standardError.end(), '\n'), 1);
-}
-
-TEST(AgentStart, HelpListsTheOptionsAndUsageErrorsExitWithTwo) {
-  auto const help = runCommand(std::string(LLDP_SNMP_AGENT_PATH) + " --help");
-  for (char const* option : {"--listen", "--community", "--config", "--agentx", "--scenario", "--plugin", "--trace",
-                             "--ringlog"}) {
-    EXPECT_NE(help.find(option), std::string::npos) << option;
-  }
-  int status = 0;
-  runCommand(std::string(LLDP_SNMP_AGENT_PATH) + " --no-such-option 2>/dev/null", &status);
-  EXPECT_EQ(status, 2);
-  runCommand(std::string(LLDP_SNMP_AGENT_PATH) + " --trace Snmp=x 2>/dev/null", &status);
-  EXPECT_EQ(status, 2);
 }
 
 }  // namespace

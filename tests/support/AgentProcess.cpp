@@ -33,14 +33,15 @@ std::vector<char*> argv(std::vector<std::string>& words) {
   return result;
 }
 
-pid_t spawn(std::vector<std::string> words, std::string const& stderrPath) {
+// Standard output goes to `stdoutPath`, or nowhere when it is empty.
+pid_t spawn(std::vector<std::string> words, std::string const& stderrPath, std::string const& stdoutPath = "") {
   pid_t const pid = fork();
   if (pid == 0) {
     int const fd = open(stderrPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     dup2(fd, 2);
     int const null = open("/dev/null", O_RDWR);
     dup2(null, 0);
-    dup2(null, 1);
+    dup2(stdoutPath.empty() ? null : open(stdoutPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
     auto args = argv(words);
     execv(args[0], args.data());
     _exit(127);
@@ -196,13 +197,14 @@ AgentRun runAgentToEnd(std::vector<std::string> const& arguments) {
   std::vector<std::string> words{LLDP_SNMP_AGENT_PATH, "--listen", "udp:127.0.0.1:" + std::to_string(freeUdpPort()),
                                  "--persistent-dir", directory};
   words.insert(words.end(), arguments.begin(), arguments.end());
-  pid_t const pid = spawn(words, directory + "/stderr");
+  pid_t const pid = spawn(words, directory + "/stderr", directory + "/stdout");
   int status = waitFor(pid, 20.0);
   if (status == -1) {
     kill(pid, SIGKILL);
     waitpid(pid, &status, 0);
   }
-  AgentRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(directory + "/stderr")};
+  AgentRun run{WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(directory + "/stderr"),
+               readFile(directory + "/stdout")};
   std::error_code ec;
   std::filesystem::remove_all(directory, ec);
   return run;

@@ -65,10 +65,11 @@ class MasterSnmpd {
 };
 
 // Runs the agent to its end with `arguments` (no --listen added) and gives the
-// exit code and standard error; for runs that must fail at start.
+// exit code and what it wrote; for runs that must end at start.
 struct AgentRun {
   int exitCode;
   std::string standardError;
+  std::string standardOutput;
 };
 AgentRun runAgentToEnd(std::vector<std::string> const& arguments);
 
