@@ -916,6 +916,10 @@ DesiredState readState(Node const& node) {
   if (auto const description = object.take("description")) {
     readString(*description);
   }
+  // Where an editor finds examples/scenario.schema.json; nothing is served from it either.
+  if (auto const schema = object.take("$schema")) {
+    readString(*schema);
+  }
   readInto(object, "config", state.config, readConfig);
   readInto(object, "status", state.status, readStatus);
   readInto(object, "localSystem", state.localSystem, readLocalSystem);

@@ -6,6 +6,7 @@ packages=(
   libsnmp-dev snmp snmpd snmptrapd
   nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
+  python3-jsonschema
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -13,11 +13,22 @@
 
 #include <nlohmann/json.hpp>
 
+#include "AgentProcess.h"
 #include "DesiredState.h"
 #include "Interface/EthPortId.h"
 #include "Scenario.h"
 
 namespace {
+
+// The reason `json` is refused with, or "" when it is accepted.
+std::string refusalOf(std::string_view json) {
+  try {
+    parseScenario(json, "lab.json");
+  } catch (ScenarioError const& e) {
+    return e.reason();
+  }
+  return "";
+}
 
 DesiredNeighbor onlyNeighbor(std::string_view neighborJson) {
   auto const state = parseScenario(
@@ -37,6 +48,7 @@ std::string octets(std::initializer_list<int> values) {
 }
 
 std::filesystem::path const examplesDir = std::filesystem::path(LLDP_SNMP_SOURCE_DIR) / "examples";
+std::filesystem::path const schemaPath = examplesDir / "scenario.schema.json";
 
 // Each row of data/scenario-refusals.json is a scenario ("scenario", or its
 // "text" where JSON cannot hold it) and the path and reason it is refused with.
@@ -183,7 +195,7 @@ TEST(ScenarioDefaults, PortsAndNeighborsAreNumberedByPosition) {
 TEST(ScenarioExamples, EveryExampleLoads) {
   std::size_t loaded = 0;
   for (auto const& entry : std::filesystem::directory_iterator(examplesDir)) {
-    if (entry.path().extension() == ".json") {
+    if (entry.path().extension() == ".json" && entry.path() != schemaPath) {
       SCOPED_TRACE(entry.path().string());
       EXPECT_FALSE(loadScenarioFile(entry.path().string()).ports.empty());
       ++loaded;
@@ -227,6 +239,55 @@ TEST(ScenarioExamples, DemoSwitchHasEveryKindOfTlv) {
   EXPECT_TRUE(unknownTlv && orgDef && ppvid && vlanName && protocolId);
   EXPECT_TRUE(portVlan && macPhy && power && linkAgg && maxFrame);
   EXPECT_GE(demo.localSystem.managementAddressPrio.size(), 2u);
+}
+
+// The schema is for editors; it must take every scenario the project ships and
+// refuse a misspelt attribute, as the agent does.
+TEST(ScenarioSchema, ShippedScenariosValidateAndMisspeltAttributesDoNot) {
+  int status = 0;
+  runCommand("python3 -c 'import jsonschema' 2>/dev/null", &status);
+  if (status != 0) {
+    GTEST_SKIP() << "python3 has no jsonschema module: install python3-jsonschema (scripts/install-deps.sh does)";
+  }
+  std::vector<std::string> valid;
+  for (auto const& directory : {examplesDir, std::filesystem::path(LLDP_SNMP_SOURCE_DIR) / "tests/integration/data"}) {
+    for (auto const& entry : std::filesystem::directory_iterator(directory)) {
+      if (entry.path().extension() == ".json" && entry.path() != schemaPath) {
+        valid.push_back(entry.path().string());
+      }
+    }
+  }
+  ASSERT_GE(valid.size(), 4u);
+  auto const directory = makeTempDirectory();
+  std::vector<std::string> misspelt;
+  for (std::string const json : {R"({"localSystem": {"sysname": "sw1"}})",
+                                 R"({"ports": [{"name": "e1", "neighbors": [{"msap": {"chasisId": "c"}}]}]})"}) {
+    EXPECT_NE(refusalOf(json).find("unknown attribute"), std::string::npos) << json;
+    misspelt.push_back(directory + "/misspelt" + std::to_string(misspelt.size()) + ".json");
+    writeFile(misspelt.back(), json);
+  }
+  // Names the files that do not validate, one a line.
+  std::string command =
+      "python3 -c 'import json, sys, jsonschema\n"
+      "schema = json.load(open(sys.argv[1]))\n"
+      "jsonschema.Draft202012Validator.check_schema(schema)\n"
+      "validator = jsonschema.Draft202012Validator(schema)\n"
+      "for path in sys.argv[2:]:\n"
+      "    if not validator.is_valid(json.load(open(path))):\n"
+      "        print(path)' " +
+      schemaPath.string();
+  std::string expected;
+  for (auto const& file : valid) {
+    command += " " + file;
+  }
+  for (auto const& file : misspelt) {
+    command += " " + file;
+    expected += file + "\n";
+  }
+  auto const failing = runCommand(command, &status);
+  std::filesystem::remove_all(directory);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(failing, expected);
 }
 
 }  // namespace
