@@ -154,13 +154,11 @@ void readInto(Object& object, std::string const& name, T& target, Read const& re
   }
 }
 
-// A value of the file as a message shows it: a number as written, text quoted and cut short.
+// A value of the file as a message shows it: text quoted, anything else as
+// JSON, both cut short.
 std::string givenText(Json const& value) {
-  if (!value.is_string()) {
-    return value.dump();
-  }
   constexpr std::size_t shown = 40;
-  std::string text = value.get<std::string>();
+  std::string text = value.is_string() ? value.get<std::string>() : value.dump();
   if (text.size() > shown) {
     std::size_t cut = shown;
     while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xc0) == 0x80) {
@@ -168,7 +166,7 @@ std::string givenText(Json const& value) {
     }
     text = text.substr(0, cut) + "...";
   }
-  return "'" + text + "'";
+  return value.is_string() ? "'" + text + "'" : text;
 }
 
 // Every refusal of a value reads "<given> is not <allowed>", followed by the
