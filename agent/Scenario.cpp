@@ -733,7 +733,7 @@ Lldp::UnknownOrgDefTlv readUnknownOrgDefTlv(Node const& node) {
   readInto(object, "subtype", tlv.subtype,
            [](Node const& n) { return static_cast<std::uint32_t>(readInteger(n, 0, subtypeMax)); });
   readInto(object, "index", tlv.index, readIndex);
-  readInto(object, "orgDefInfo", tlv.orgDefInfo, 
+  readInto(object, "orgDefInfo", tlv.orgDefInfo,
            bounded<Lldp::BoundedString507>("the information of an organisationally specific TLV"));
   object.finish();
   return tlv;
@@ -937,19 +937,38 @@ class StrictReader {
   std::string const& path() const { return path_; }
   std::string const& reason() const { return reason_; }
 
-  bool null() { return value() && builder_.null(); }
-  bool boolean(bool b) { return value() && builder_.boolean(b); }
-  bool number_integer(Json::number_integer_t n) { return value() && builder_.number_integer(n); }
-  bool number_unsigned(Json::number_unsigned_t n) { return value() && builder_.number_unsigned(n); }
-  bool number_float(Json::number_float_t n, Json::string_t const& text) {
-    return value() && builder_.number_float(n, text);
+  bool null() {
+    valueStarts();
+    return builder_.null();
   }
-  bool string(Json::string_t& text) { return value() && builder_.string(text); }
-  bool binary(Json::binary_t& bytes) { return value() && builder_.binary(bytes); }
+  bool boolean(bool b) {
+    valueStarts();
+    return builder_.boolean(b);
+  }
+  bool number_integer(Json::number_integer_t n) {
+    valueStarts();
+    return builder_.number_integer(n);
+  }
+  bool number_unsigned(Json::number_unsigned_t n) {
+    valueStarts();
+    return builder_.number_unsigned(n);
+  }
+  bool number_float(Json::number_float_t n, Json::string_t const& text) {
+    valueStarts();
+    return builder_.number_float(n, text);
+  }
+  bool string(Json::string_t& text) {
+    valueStarts();
+    return builder_.string(text);
+  }
+  bool binary(Json::binary_t& bytes) {
+    valueStarts();
+    return builder_.binary(bytes);
+  }
   bool start_object(std::size_t size) {
-    bool const ok = value() && builder_.start_object(size);
+    valueStarts();
     open_.emplace_back();
-    return ok;
+    return builder_.start_object(size);
   }
   bool key(Json::string_t& name) {
     if (!open_.back().keys.insert(name).second) {
@@ -963,9 +982,9 @@ class StrictReader {
     return builder_.end_object();
   }
   bool start_array(std::size_t size) {
-    bool const ok = value() && builder_.start_array(size);
+    valueStarts();
     open_.emplace_back().array = true;
-    return ok;
+    return builder_.start_array(size);
   }
   bool end_array() {
     open_.pop_back();
@@ -985,11 +1004,11 @@ class StrictReader {
     std::set<std::string> keys;
   };
 
-  bool value() {
+  // Counts the elements of an array, for the path.
+  void valueStarts() {
     if (!open_.empty() && open_.back().array) {
       ++open_.back().elements;
     }
-    return true;
   }
 
   // The path of the innermost open object or array.
