@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <stdexcept>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <vector>
@@ -42,7 +44,7 @@ std::vector<TraceHandleInfo> const traceHandles{
       {6, "lldpRemTablesChange suppressed within lldpNotificationInterval"},
       {8, "scans of the LLDP state"}}},
     {"Zet", "the framework", {{0, "a change handler that let an exception out"}}},
-    {"Agent", "the host", {{1, "one line per applied or refused reload and per suppressed notification"}}},
+    {"Agent", "the host", {{1, "one line per load of the state, applied or refused, and per notification held back"}}},
     {"Feed", "the live lldpd feed", {}},
 };
 
