@@ -28,7 +28,21 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
                            ->expected(0, 1)
                            ->type_name("[ADDRESS]");
   // Not checked here: a scenario that cannot be read is refused like any bad scenario.
-  app.add_option("--scenario", o.scenario, "LLDP state to serve, as JSON (default: a built-in demo switch)")
+  auto* scenarioOption =
+      app.add_option("--scenario", o.scenario, "LLDP state to serve, as JSON (default: a built-in demo switch)")
+          ->type_name("FILE");
+  std::string feed;
+  app.add_option("--feed", feed, "Serve the live LLDP state of lldpd, at its default control socket or at SOCKET")
+      ->type_name("lldpd[:SOCKET]")
+      ->excludes(scenarioOption)
+      ->check(CLI::Validator(
+          [](std::string const& value) {
+            return value == "lldpd" || value.starts_with("lldpd:") ? std::string()
+                                                                   : std::string("expected lldpd or lldpd:SOCKET");
+          },
+          "", "feed"));
+  app.add_option("--write-scenario", o.writeScenario,
+                 "Write the LLDP state being served as a scenario file to FILE, then end")
       ->type_name("FILE");
   app.add_option("--plugin", o.plugin, "The LldpSnmp plug-in to load (default: the one built or installed beside "
                                        "this program)")
@@ -54,6 +68,9 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
     return {std::nullopt, app.exit(e) == 0 ? 0 : 2};
   }
   o.notifications = !noNotifications;
+  if (!feed.empty()) {
+    o.feed = feed.substr(feed.find(':') == std::string::npos ? feed.size() : feed.find(':') + 1);
+  }
   if (agentxOption->count() > 0) {
     o.agentx = agentx;
   }

@@ -1,5 +1,5 @@
 // lldp-snmp-agent: an SNMP agent that loads the LldpSnmp plug-in and serves
-// the LLDP state of a scenario file (or of a built-in demo switch).
+// the LLDP state of a scenario file (or of a built-in demo switch), or lldpd's.
 
 #include <iostream>
 #include <stdexcept>
@@ -14,21 +14,20 @@
 #include "Reconciler.h"
 #include "Ringlog/Ringlog.h"
 #include "Scenario.h"
+#include "ScenarioWriter.h"
 #include "Signals.h"
 #include "Snmp/Config.h"
 #include "Snmp/Conversions.h"
 #include "Snmp/SnmpUtil.h"
 #include "SnmpAgent.h"
+#include "StateFeed.h"
 #include "Statebase/Statebase.h"
+#include "Zet/System.h"
 #include "Zet/Trace.h"
 
 namespace {
 
 constexpr char const* program = "lldp-snmp-agent";
-
-DesiredState readState(AgentOptions const& options) {
-  return options.scenario.empty() ? demoScenario() : loadScenarioFile(options.scenario);
-}
 
 void writeRinglog(AgentOptions const& options) {
   if (!options.ringlog.empty() && !Ringlog::dumpToFile(options.ringlog)) {
@@ -38,7 +37,13 @@ void writeRinglog(AgentOptions const& options) {
 
 int run(AgentOptions const& options) {
   // Everything that can be refused is checked before anything is served.
-  auto state = readState(options);
+  auto const feed = makeStateFeed(options);
+  if (!options.writeScenario.empty()) {
+    // No agent runs: the state's times count from now.
+    Snmp::uptimeOriginIs(Zet::System::currentTime());
+    writeScenarioFile(options.writeScenario, feed->initialState());
+    return 0;
+  }
   Signals signals;
   SnmpAgent agent(options);
   Snmp::uptimeOriginIs(SnmpAgent::uptimeOrigin());
@@ -52,7 +57,8 @@ int run(AgentOptions const& options) {
   }
   Statebase::entityIs(SnmpUtil::snmpConfigPath, snmpConfig);
   Reconciler reconciler;
-  reconciler.apply(state);
+  reconciler.apply(feed->initialState());
+  feed->follow(reconciler);
   // The tables find the mirror at registration, and the LldpSm hands it over at
   // its first scan: both come before the plug-in's modules.
   PortDriver ports;
@@ -71,16 +77,8 @@ int run(AgentOptions const& options) {
           stop = true;
           break;
         case SIGHUP:
-          if (options.scenario.empty()) {
-            break;  // the demo has nothing to re-read
-          }
-          try {
-            // Read whole before anything is written; the driver follows the ports inside the apply.
-            reconciler.apply(loadScenarioFile(options.scenario));
-          } catch (ScenarioError const& e) {
-            std::cerr << program << ": reload refused, still serving the previous state: " << e.what()
-                      << std::endl;
-          }
+          // The driver follows the ports inside the apply.
+          feed->reload();
           break;
         case SIGUSR1:
           writeRinglog(options);

@@ -1,5 +1,5 @@
-// The notification options of the command line: their effect, their
-// refusals and their place in the help text.
+// The command line: the notification options' effect, refusals and place in
+// the help text; the lldpd feed's socket and its refusals.
 
 #include <gtest/gtest.h>
 
@@ -41,6 +41,34 @@ TEST(AgentOptions, HelpNamesBothNotificationOptions) {
   EXPECT_EQ(parsed.exitCode, 0);
   EXPECT_NE(help.find("--no-notifications"), std::string::npos);
   EXPECT_NE(help.find("--notification-delay SECONDS"), std::string::npos);
+}
+
+TEST(AgentOptions, FeedNamesLldpdWithOrWithoutItsSocket) {
+  auto const plain = parse({"--feed", "lldpd"});
+  ASSERT_TRUE(plain.options);
+  ASSERT_TRUE(plain.options->feed);
+  EXPECT_TRUE(plain.options->feed->empty());
+
+  auto const socket = parse({"--feed", "lldpd:/run/lldpd.socket", "--write-scenario", "out.json"});
+  ASSERT_TRUE(socket.options);
+  EXPECT_EQ(socket.options->feed, "/run/lldpd.socket");
+  EXPECT_EQ(socket.options->writeScenario, "out.json");
+
+  auto const none = parse({});
+  ASSERT_TRUE(none.options);
+  EXPECT_FALSE(none.options->feed);
+}
+
+TEST(AgentOptions, FeedRefusesOtherSourcesAndAScenarioBesideIt) {
+  for (auto const& words : std::vector<std::vector<char const*>>{
+           {"--feed", "lldp"}, {"--feed", "snmpd:/x"}, {"--feed", "lldpd", "--scenario", "lab.json"}}) {
+    testing::internal::CaptureStderr();
+    auto const parsed = parse(words);
+    std::string const error = testing::internal::GetCapturedStderr();
+    EXPECT_FALSE(parsed.options) << words[1];
+    EXPECT_EQ(parsed.exitCode, 2) << words[1];
+    EXPECT_FALSE(error.empty());
+  }
 }
 
 }  // namespace
