@@ -3,6 +3,7 @@
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <syslog.h>
 #include <unistd.h>
 
 #include <net-snmp/net-snmp-config.h>
@@ -41,6 +42,8 @@ constexpr double refreshSeconds = 5.0;
 constexpr double firstRetrySeconds = 1.0;
 constexpr double longestRetrySeconds = 10.0;
 constexpr double startTimeoutSeconds = 10.0;
+// A read that takes longer has stalled: the session is given up and made again.
+constexpr double stalledReadSeconds = 30.0;
 // Bounds on the work of one wake-up, so that a flood of changes cannot hold the loop.
 constexpr int readsPerWakeup = 64;
 constexpr int notificationsPerRead = 100000;
@@ -51,10 +54,29 @@ class SessionError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+// What liblldpctl last complained of; it logs to standard error unless told otherwise.
+std::string& libraryWarning() {
+  static std::string warning;
+  return warning;
+}
+
+void onLibraryLog(int severity, char const* message) {
+  // Severities are syslog's; the library's debug lines are of no interest here.
+  if (severity <= LOG_WARNING) {
+    ZET_TRACE(trace(), 1) << "liblldpctl: " << message;
+    libraryWarning() = message ? message : "";
+  }
+}
+
+std::string unreadable(std::string const& socket, std::string const& why) {
+  return "lldpd at " + socket + " answered what liblldpctl " LLDPCTL_LIBRARY_VERSION " cannot read (" + why +
+         "): is it an older lldpd?";
+}
+
 std::string describe(lldpctl_error_t error) {
   std::string text = lldpctl_strerror(error);
   if (error == LLDPCTL_ERR_SERIALIZATION || error == LLDPCTL_ERR_FATAL) {
-    text += " (an lldpd older than liblldpctl " LLDPCTL_LIBRARY_VERSION "?)";
+    text += " (is it an lldpd older than liblldpctl " LLDPCTL_LIBRARY_VERSION "?)";
   }
   return text;
 }
@@ -171,6 +193,8 @@ class Session {
   int watchFd() const { return watch_.fd(); }
   int queryFd() const { return query_.fd(); }
   bool reading() const { return read_.has_value(); }
+  // Seconds the read under way has taken so far; 0 when none is.
+  double readingFor() const { return read_ ? Zet::System::currentTime() - read_->started : 0.0; }
 
   // Goes as far as the answers at hand allow. Raises SessionError.
   void pump() {
@@ -203,6 +227,7 @@ class Session {
   enum class Step { config, chassis, interfaces, ports };
   struct Read {
     Step step = Step::config;
+    double started = Zet::System::currentTime();
     FullRead result;
     std::vector<LldpctlAtom> interfaces;
     std::size_t next = 0;
@@ -303,7 +328,15 @@ class Session {
 
 class LldpdFeed::Impl {
  public:
-  explicit Impl(std::string socket) : socket_(std::move(socket)) {}
+  // Connects at once, so that a socket that cannot be used stops the agent before anything else starts.
+  explicit Impl(std::string socket) : socket_(std::move(socket)) {
+    lldpctl_log_callback(&onLibraryLog);
+    try {
+      session_ = std::make_unique<Session>(socket_);
+    } catch (SessionError const& e) {
+      throw FeedError(e.what());
+    }
+  }
   ~Impl() {
     unregisterFds();
     for (unsigned const alarm : {retryAlarm_, refreshAlarm_}) {
@@ -318,10 +351,13 @@ class LldpdFeed::Impl {
   DesiredState initialState() {
     state_.emplace(startEpoch());
     try {
-      session_ = std::make_unique<Session>(socket_);
+      libraryWarning().clear();
       auto const deadline = Zet::System::currentTime() + startTimeoutSeconds;
       process();
       while (!haveRead_) {
+        if (!libraryWarning().empty()) {
+          throw SessionError(unreadable(socket_, libraryWarning()));
+        }
         double const left = deadline - Zet::System::currentTime();
         if (left <= 0) {
           throw SessionError("lldpd at " + socket_ + " did not answer within " +
@@ -371,10 +407,15 @@ class LldpdFeed::Impl {
   }
 
   void rereadNow() {
-    if (session_) {
-      session_->startRead();
-      process();
+    if (!session_) {
+      return;
     }
+    if (session_->readingFor() > stalledReadSeconds) {
+      throw SessionError("lldpd did not answer within " + std::to_string(static_cast<int>(stalledReadSeconds)) +
+                         " s" + (libraryWarning().empty() ? "" : " (liblldpctl: " + libraryWarning() + ")"));
+    }
+    session_->startRead();
+    process();
   }
 
   // Takes in whatever the session has for us, and writes the state when it changed.
