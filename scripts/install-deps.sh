@@ -6,6 +6,7 @@ packages=(
   libsnmp-dev snmp snmptrapd
   nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
+  lldpd liblldpctl-dev iproute2 util-linux python3
 )
 missing=()
 for p in "${packages[@]}"; do
