@@ -20,6 +20,7 @@
 #include <ctime>
 #include <iostream>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -54,7 +55,7 @@ class SessionError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// What liblldpctl last complained of; it logs to standard error unless told otherwise.
+// What liblldpctl first complained of since this was last cleared; it logs to standard error unless told otherwise.
 std::string& libraryWarning() {
   static std::string warning;
   return warning;
@@ -64,7 +65,9 @@ void onLibraryLog(int severity, char const* message) {
   // Severities are syslog's; the library's debug lines are of no interest here.
   if (severity <= LOG_WARNING) {
     ZET_TRACE(trace(), 1) << "liblldpctl: " << message;
-    libraryWarning() = message ? message : "";
+    if (libraryWarning().empty()) {
+      libraryWarning() = message ? message : "";
+    }
   }
 }
 
@@ -181,6 +184,8 @@ struct FullRead {
   LldpdConfig config;
   LldpdChassis chassis;
   std::vector<LldpdInterface> interfaces;
+  // Interfaces whose answer was larger than liblldpctl takes (as many neighbours as about 512 KiB hold).
+  std::vector<std::string> unreadable;
 };
 
 // One session: a connection subscribed to changes, and one that reads the
@@ -188,10 +193,12 @@ struct FullRead {
 // subscription stands, so that no change falls between the two.
 class Session {
  public:
-  explicit Session(std::string const& path) : watch_(path), query_(path) {}
+  explicit Session(std::string const& path)
+      : path_(path), watch_(path), query_(std::make_unique<Connection>(path)) {}
 
   int watchFd() const { return watch_.fd(); }
-  int queryFd() const { return query_.fd(); }
+  // Changes when an answer too large for liblldpctl made the connection useless.
+  int queryFd() const { return query_->fd(); }
   bool reading() const { return read_.has_value(); }
   // Seconds the read under way has taken so far; 0 when none is.
   double readingFor() const { return read_ ? Zet::System::currentTime() - read_->started : 0.0; }
@@ -231,7 +238,17 @@ class Session {
     FullRead result;
     std::vector<LldpctlAtom> interfaces;
     std::size_t next = 0;
+
+    bool done(std::string const& name) const {
+      return std::ranges::find(result.unreadable, name) != result.unreadable.end() ||
+             std::ranges::find(result.interfaces, name, &LldpdInterface::name) != result.interfaces.end();
+    }
   };
+
+  static std::string nameOf(lldpctl_atom_t* interface) {
+    char const* const name = lldpctl_atom_get_str(interface, lldpctl_k_interface_name);
+    return name ? name : "";
+  }
 
   static void onChange(lldpctl_change_t type, lldpctl_atom_t* interface, lldpctl_atom_t* neighbor, void* data) {
     // Both atoms are lent for the call only.
@@ -256,7 +273,7 @@ class Session {
 
   // True when the call is still waiting for its answer; raises when it failed.
   bool pending(char const* what) const {
-    lldpctl_error_t const error = lldpctl_last_error(query_.get());
+    lldpctl_error_t const error = lldpctl_last_error(query_->get());
     if (error == LLDPCTL_ERR_WOULDBLOCK) {
       return true;
     }
@@ -268,7 +285,7 @@ class Session {
       Read& read = *read_;
       switch (read.step) {
         case Step::config: {
-          LldpctlAtom const config(lldpctl_get_configuration(query_.get()));
+          LldpctlAtom const config(lldpctl_get_configuration(query_->get()));
           if (!config && pending("the configuration")) {
             return;
           }
@@ -277,7 +294,7 @@ class Session {
           break;
         }
         case Step::chassis: {
-          LldpctlAtom const chassis(lldpctl_get_local_chassis(query_.get()));
+          LldpctlAtom const chassis(lldpctl_get_local_chassis(query_->get()));
           if (!chassis && pending("the local chassis")) {
             return;
           }
@@ -286,13 +303,15 @@ class Session {
           break;
         }
         case Step::interfaces: {
-          LldpctlAtom const list(lldpctl_get_interfaces(query_.get()));
+          LldpctlAtom const list(lldpctl_get_interfaces(query_->get()));
           if (!list && pending("the interfaces")) {
             return;
           }
           lldpctl_atom_t* interface = nullptr;
           lldpctl_atom_foreach(list.get(), interface) {
-            read.interfaces.push_back(LldpctlAtom::borrowed(interface));
+            if (!read.done(nameOf(interface))) {
+              read.interfaces.push_back(LldpctlAtom::borrowed(interface));
+            }
           }
           read.step = Step::ports;
           break;
@@ -304,9 +323,25 @@ class Session {
             read_.reset();
             return;
           }
-          LldpctlAtom const port(lldpctl_get_port(read.interfaces[read.next].get()));
-          if (!port && pending("a port")) {
-            return;
+          lldpctl_atom_t* const interface = read.interfaces[read.next].get();
+          libraryWarning().clear();
+          LldpctlAtom const port(lldpctl_get_port(interface));
+          if (!port) {
+            if (lldpctl_last_error(query_->get()) == LLDPCTL_ERR_WOULDBLOCK) {
+              return;
+            }
+            if (libraryWarning().find("too large") == std::string::npos) {
+              pending("a port");
+            }
+            // The rest of the answer is still on its way: only a new connection, with
+            // interfaces of its own, reads the next one.
+            ZET_TRACE(trace(), 1) << "lldpd's answer for " << nameOf(interface) << " is too large for liblldpctl";
+            read.result.unreadable.push_back(nameOf(interface));
+            read.interfaces.clear();
+            read.next = 0;
+            read.step = Step::interfaces;
+            query_ = std::make_unique<Connection>(path_);
+            break;
           }
           read.result.interfaces.push_back(readLldpdInterface(port.get()));
           ++read.next;
@@ -316,8 +351,9 @@ class Session {
     }
   }
 
+  std::string path_;
   Connection watch_;
-  Connection query_;
+  std::unique_ptr<Connection> query_;
   bool subscribed_ = false;
   std::optional<Read> read_;
   std::optional<FullRead> done_;
@@ -447,6 +483,10 @@ class LldpdFeed::Impl {
         session_->startRead();
       }
     }
+    if (session_ && !registered_.empty() && registered_[1] != session_->queryFd()) {
+      unregisterFds();
+      registerFds();
+    }
     if (changed && reconciler_) {
       reconciler_->apply(state_->snapshot());
     }
@@ -455,7 +495,15 @@ class LldpdFeed::Impl {
   void takeRead(FullRead const& read) {
     state_->configIs(read.config);
     state_->localChassisIs(read.chassis);
-    state_->interfacesIs(read.interfaces);
+    state_->interfacesIs(read.interfaces, read.unreadable);
+    for (std::string const& name : read.unreadable) {
+      if (oversized_.insert(name).second) {
+        std::cerr << "lldp-snmp-agent: lldpd's answer for " << name
+                  << " is larger than liblldpctl reads; its neighbours follow lldpd's changes only, its counters "
+                     "are not read"
+                  << std::endl;
+      }
+    }
     // The read answers for a moment before some of the changes that arrived
     // meanwhile: replayed in order, each change again has the last word.
     rereadWanted_ = false;
@@ -537,7 +585,8 @@ class LldpdFeed::Impl {
   std::unique_ptr<Session> session_;
   Reconciler* reconciler_ = nullptr;
   std::vector<Change> log_;  // the changes since the read under way began
-  std::vector<int> registered_;
+  std::vector<int> registered_;  // the watch connection's, then the query connection's
+  std::set<std::string> oversized_;  // interfaces said to be too large to read, once each
   unsigned retryAlarm_ = 0;
   unsigned refreshAlarm_ = 0;
   double retryDelay_ = firstRetrySeconds;

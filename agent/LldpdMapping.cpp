@@ -381,12 +381,16 @@ void LldpdState::renumber() {
   numbers_ = LldpdMapping::portNumbers(ifIndexes, numbers_);
 }
 
-void LldpdState::interfacesIs(std::vector<LldpdInterface> const& interfaces) {
-  std::unordered_set<std::string> names;
+void LldpdState::interfacesIs(std::vector<LldpdInterface> const& interfaces,
+                              std::vector<std::string> const& unreadable) {
+  std::unordered_set<std::string> names(unreadable.begin(), unreadable.end());
   for (LldpdInterface const& interface : interfaces) {
     names.insert(interface.name);
   }
   std::erase_if(ports_, [&](auto const& entry) { return !names.contains(entry.first); });
+  for (std::string const& name : unreadable) {
+    ports_.try_emplace(name).first->second.interface.name = name;
+  }
   renumber();
   for (LldpdInterface const& interface : interfaces) {
     interfaceIs(interface);

@@ -152,8 +152,10 @@ class LldpdState {
 
   void configIs(LldpdConfig const& config) { config_ = config; }
   void localChassisIs(LldpdChassis const& chassis) { localChassis_ = chassis; }
-  // A read of every interface: interfaces not in the list leave, with their neighbours.
-  void interfacesIs(std::vector<LldpdInterface> const& interfaces);
+  // A read of every interface: interfaces not in the list leave, with their
+  // neighbours. Those named in `unreadable` are there but could not be read:
+  // they stay as they are, or join with their name alone.
+  void interfacesIs(std::vector<LldpdInterface> const& interfaces, std::vector<std::string> const& unreadable = {});
   // A read of one interface: its neighbours become exactly those it lists.
   void interfaceIs(LldpdInterface const& interface);
   // A neighbour added or updated, or deleted, on the named interface, counted

@@ -219,4 +219,14 @@ TEST(LldpdMapping, AnInterfaceThatLeavesTakesItsNeighboursAndCountersAlong) {
   expectState(state.snapshot(), "lldpd-one-port-left.json");
 }
 
+TEST(LldpdMapping, APortTooLargeToReadKeepsWhatTheChangesBroughtAndANewOneJoinsByName) {
+  LldpdState state(startEpoch);
+  LldpdInterface eth0 = interface("eth0", 2, {neighborNamed("a/1")});
+  eth0.counters.tx = 7;
+  state.interfacesIs({eth0});
+  ASSERT_TRUE(state.neighborIs("eth0", neighborNamed("b/1")));
+  state.interfacesIs({}, {"eth0", "big0"});
+  expectState(state.snapshot(), "lldpd-unreadable-ports.json");
+}
+
 }  // namespace
