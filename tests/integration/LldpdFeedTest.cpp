@@ -38,6 +38,12 @@ std::string const remOrgDefInfo = "1.0.8802.1.1.2.1.4.4.1.4";
 std::string const remDot3Port = "1.0.8802.1.1.2.1.5.4623.1.3.1.1.";
 std::string const remDot3Power = "1.0.8802.1.1.2.1.5.4623.1.3.2.1.";
 std::string const remVlanName = "1.0.8802.1.1.2.1.5.32962.1.3.3.1.2";
+std::string const remPortVlanId = "1.0.8802.1.1.2.1.5.32962.1.3.1.1.1";
+std::string const remProtoVlan = "1.0.8802.1.1.2.1.5.32962.1.3.2.1.";
+std::string const remProtocolId = "1.0.8802.1.1.2.1.5.32962.1.3.4.1.2";
+std::string const remAdvertisedCap = "1.0.8802.1.1.2.1.5.4623.1.3.1.1.3";
+std::string const remLinkAgg = "1.0.8802.1.1.2.1.5.4623.1.3.3.1.";
+std::string const remMaxFrameSize = "1.0.8802.1.1.2.1.5.4623.1.3.4.1.1";
 std::string const locSystem = "1.0.8802.1.1.2.1.3.";
 std::string const locPortEntry = "1.0.8802.1.1.2.1.3.7.1.";
 std::string const locManAddrIfId = "1.0.8802.1.1.2.1.3.8.1.5";
@@ -86,6 +92,48 @@ std::string capabilityBits(Json const& capabilities, bool enabledOnly) {
     if (!enabledOnly || capability["enabled"].get<bool>()) {
       int const bit = bits.at(capability["type"].get<std::string>());
       octets[static_cast<std::size_t>(bit / 8)] |= static_cast<char>(0x80 >> (bit % 8));
+    }
+  }
+  return octets;
+}
+
+// The details lldpcli gives of the neighbour named `name`; null when it gives none.
+Json neighbourNamed(Json const& shown, std::string const& name) {
+  if (!shown["lldp"].contains("interface")) {
+    return nullptr;
+  }
+  // One neighbour is {interface: details}; more are a list of those.
+  for (Json const& entry : listOf(shown["lldp"]["interface"])) {
+    for (auto const& [interface, details] : entry.items()) {
+      if (details["chassis"].contains(name)) {
+        return details;
+      }
+    }
+  }
+  return nullptr;
+}
+
+// "88 8e" as bytes.
+std::string spacedBytes(std::string const& text) {
+  std::string bytes;
+  for (std::size_t i = 0; i + 1 < text.size(); i += 3) {
+    bytes.push_back(static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16)));
+  }
+  return bytes;
+}
+
+// lldpcli's advertised modes as ifMauAutoNegCapAdvertisedBits, served as BITS.
+std::string advertisedBits(Json const& advertised) {
+  std::map<std::string, std::pair<int, int>> const bits{{"10Base-T", {1, 2}},   {"100Base-T4", {3, 3}},
+                                                        {"100Base-TX", {4, 5}}, {"100Base-T2", {6, 7}},
+                                                        {"1000Base-X", {12, 13}}, {"1000Base-T", {14, 15}}};
+  std::string octets(2, '\0');
+  for (Json const& mode : listOf(advertised)) {
+    auto const [half, full] = bits.at(mode["type"].get<std::string>());
+    for (auto const& [flag, bit] : {std::pair{"hd", half}, std::pair{"fd", full}}) {
+      if (mode[flag].get<bool>()) {
+        octets[static_cast<std::size_t>(bit / 8)] |= static_cast<char>(0x80 >> (bit % 8));
+      }
     }
   }
   return octets;
@@ -154,12 +202,8 @@ class LldpdFeed : public testing::Test {
     Json neighbor;
     bool const complete = waitUntil(
         [&] {
-          Json const json = cli(lab_->nearSocket(), "show neighbors details");
-          if (!json["lldp"].contains("interface")) {
-            return false;
-          }
-          neighbor = json["lldp"]["interface"][LldpdLab::nearInterface];
-          return neighbor["chassis"].contains("far-host") && neighbor.contains("unknown-tlvs") &&
+          neighbor = neighbourNamed(cli(lab_->nearSocket(), "show neighbors details"), "far-host");
+          return !neighbor.is_null() && neighbor.contains("unknown-tlvs") &&
                  listOf(neighbor["chassis"]["far-host"]["mgmt-ip"]).size() == 2 &&
                  neighbor["port"].contains("power") && (!vlan_ || neighbor.contains("vlan"));
         },
@@ -250,6 +294,41 @@ TEST_F(LldpdFeed, TheFarEndIsInEveryTableWithWhatLldpcliShows) {
     ASSERT_EQ(names.varBinds.size(), 1u);
     EXPECT_EQ(names.varBinds[0].bytes, vlan["value"].get<std::string>());
   }
+}
+
+// What lldpd cannot be made to send here (802.1 VLANs, protocol identities, link
+// aggregation, the frame size) comes from a raw LLDPDU in the far namespace.
+TEST_F(LldpdFeed, The8021And8023TlvsOfANeighbourAreInTheirTablesAsLldpcliShowsThem) {
+  lab_->inFar("sh -c 'echo send 1 1 120 | python3 " + std::string(LLDP_SNMP_SOURCE_DIR) +
+              "/bench/lldpdu-sender.py " + LldpdLab::farInterface + "'");
+  Json bench;
+  ASSERT_TRUE(waitUntil([&] {
+    bench = neighbourNamed(cli(lab_->nearSocket(), "show neighbors details"), "bench-1");
+    return !bench.is_null();
+  })) << "lldpd did not take in the LLDPDU";
+  ASSERT_TRUE(waitUntil([&] { return !rowOf("bench-1").empty(); })) << agent_->standardError();
+  std::string const row = rowOf("bench-1");
+  Json const vlan = bench["vlan"];
+  Json const ppvid = bench["ppvid"];
+  Json const port = bench["port"];
+
+  auto const r = client().get({remPortVlanId + "." + row, remVlanName + "." + row + "." + vlan["vlan-id"].get<std::string>(),
+                               remProtoVlan + "2." + row + "." + ppvid["value"].get<std::string>(),
+                               remProtoVlan + "3." + row + "." + ppvid["value"].get<std::string>(),
+                               remProtocolId + "." + row + ".1", remAdvertisedCap + "." + row,
+                               remLinkAgg + "1." + row, remLinkAgg + "2." + row, remMaxFrameSize + "." + row});
+  ASSERT_EQ(r.varBinds.size(), 9u);
+  ASSERT_TRUE(vlan["pvid"].get<bool>());
+  EXPECT_EQ(r.varBinds[0].integer, std::stol(vlan["vlan-id"].get<std::string>()));
+  EXPECT_EQ(r.varBinds[1].bytes, vlan["value"].get<std::string>());
+  EXPECT_EQ(r.varBinds[2].integer, ppvid["supported"].get<bool>() ? 1 : 2);
+  EXPECT_EQ(r.varBinds[3].integer, ppvid["enabled"].get<bool>() ? 1 : 2);
+  EXPECT_EQ(r.varBinds[4].bytes, spacedBytes(bench["pi"].get<std::string>()));
+  EXPECT_EQ(r.varBinds[5].bytes, advertisedBits(port["auto-negotiation"]["advertised"]));
+  // lldpd keeps the aggregate's ID alone: an aggregated port is capable and enabled.
+  EXPECT_EQ(r.varBinds[6].bytes, std::string("\xc0", 1));
+  EXPECT_EQ(r.varBinds[7].integer, std::stol(port["aggregation"].get<std::string>()));
+  EXPECT_EQ(r.varBinds[8].integer, std::stol(port["mfs"].get<std::string>()));
 }
 
 TEST_F(LldpdFeed, TheLocalTablesAreWhatLldpcliShowsOfTheNearSide) {
