@@ -427,7 +427,7 @@ class LldpdFeed::Impl {
   static void onRetryAlarm(unsigned, void* self) {
     auto* const impl = static_cast<Impl*>(self);
     impl->retryAlarm_ = 0;
-    impl->reconnect();
+    impl->guarded([&] { impl->reconnect(); });
   }
 
   // What a session raises ends it; nothing else that goes wrong may end the agent.

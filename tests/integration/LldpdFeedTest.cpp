@@ -296,6 +296,33 @@ TEST_F(LldpdFeed, TheFarEndIsInEveryTableWithWhatLldpcliShows) {
   }
 }
 
+TEST_F(LldpdFeed, TheLiveStateWrittenAsAScenarioIsServedTheSame) {
+  farAsLldpcliShowsIt();
+  ASSERT_TRUE(waitUntil([&] { return !rowOf("far-host").empty(); })) << agent_->standardError();
+  std::string const directory = makeTempDirectory();
+  std::string const path = directory + "/live.json";
+  auto const written = runAgentToEnd({"--feed", "lldpd:" + lab_->nearSocket(), "--write-scenario", path});
+  EXPECT_EQ(written.exitCode, 0) << written.standardError;
+  EXPECT_EQ(written.standardError, "");
+
+  // The neighbours' time marks count from another start; everything else is the same.
+  AgentProcess const fromFile({"--scenario", path});
+  SnmpClient fileClient(fromFile.peer(), "public");
+  for (std::string const& subtree : {locSystem.substr(0, locSystem.size() - 1), remSysName, remOrgDefInfo,
+                                     std::string("1.0.8802.1.1.2.1.5.4623.1.3.2")}) {
+    SCOPED_TRACE(subtree);
+    auto const live = client().walk(subtree);
+    auto const loaded = fileClient.walk(subtree);
+    ASSERT_EQ(live.size(), loaded.size());
+    ASSERT_FALSE(live.empty());
+    for (std::size_t i = 0; i < live.size(); ++i) {
+      EXPECT_EQ(live[i].bytes, loaded[i].bytes) << live[i].oid;
+      EXPECT_EQ(live[i].integer, loaded[i].integer) << live[i].oid;
+    }
+  }
+  std::filesystem::remove_all(directory);
+}
+
 // What lldpd cannot be made to send here (802.1 VLANs, protocol identities, link
 // aggregation, the frame size) comes from a raw LLDPDU in the far namespace.
 TEST_F(LldpdFeed, The8021And8023TlvsOfANeighbourAreInTheirTablesAsLldpcliShowsThem) {
