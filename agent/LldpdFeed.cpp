@@ -337,6 +337,7 @@ class Session {
             // interfaces of its own, reads the next one.
             ZET_TRACE(trace(), 1) << "lldpd's answer for " << nameOf(interface) << " is too large for liblldpctl";
             read.result.unreadable.push_back(nameOf(interface));
+            libraryWarning().clear();
             read.interfaces.clear();
             read.next = 0;
             read.step = Step::interfaces;
