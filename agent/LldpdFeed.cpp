@@ -45,6 +45,8 @@ constexpr double longestRetrySeconds = 10.0;
 constexpr double startTimeoutSeconds = 10.0;
 // A read that takes longer has stalled: the session is given up and made again.
 constexpr double stalledReadSeconds = 30.0;
+// Every this many refreshes, interfaces too large to read are tried again.
+constexpr unsigned oversizedRetryEvery = 12;
 // Bounds on the work of one wake-up, so that a flood of changes cannot hold the loop.
 constexpr int readsPerWakeup = 64;
 constexpr int notificationsPerRead = 100000;
@@ -222,9 +224,11 @@ class Session {
     advanceRead();
   }
 
-  void startRead() {
+  // `skip`: interfaces known to be too large to read, left unread this time.
+  void startRead(std::set<std::string> const& skip = {}) {
     if (subscribed_ && !read_) {
       read_.emplace();
+      read_->skip = skip;
     }
   }
   std::optional<FullRead> takeRead() { return std::exchange(done_, std::nullopt); }
@@ -238,6 +242,7 @@ class Session {
     FullRead result;
     std::vector<LldpctlAtom> interfaces;
     std::size_t next = 0;
+    std::set<std::string> skip;
 
     bool done(std::string const& name) const {
       return std::ranges::find(result.unreadable, name) != result.unreadable.end() ||
@@ -309,7 +314,10 @@ class Session {
           }
           lldpctl_atom_t* interface = nullptr;
           lldpctl_atom_foreach(list.get(), interface) {
-            if (!read.done(nameOf(interface))) {
+            std::string const name = nameOf(interface);
+            if (read.skip.contains(name)) {
+              read.result.unreadable.push_back(name);
+            } else if (!read.done(name)) {
               read.interfaces.push_back(LldpctlAtom::borrowed(interface));
             }
           }
@@ -451,7 +459,9 @@ class LldpdFeed::Impl {
       throw SessionError("lldpd did not answer within " + std::to_string(static_cast<int>(stalledReadSeconds)) +
                          " s" + (libraryWarning().empty() ? "" : " (liblldpctl: " + libraryWarning() + ")"));
     }
-    session_->startRead();
+    // An answer too large for liblldpctl costs lldpd the whole answer and a connection: tried again only now and then.
+    ++refreshes_;
+    session_->startRead(refreshes_ % oversizedRetryEvery == 0 ? std::set<std::string>() : oversized_);
     process();
   }
 
@@ -497,6 +507,9 @@ class LldpdFeed::Impl {
     state_->configIs(read.config);
     state_->localChassisIs(read.chassis);
     state_->interfacesIs(read.interfaces, read.unreadable);
+    for (LldpdInterface const& interface : read.interfaces) {
+      oversized_.erase(interface.name);
+    }
     for (std::string const& name : read.unreadable) {
       if (oversized_.insert(name).second) {
         std::cerr << "lldp-snmp-agent: lldpd's answer for " << name
@@ -587,7 +600,8 @@ class LldpdFeed::Impl {
   Reconciler* reconciler_ = nullptr;
   std::vector<Change> log_;  // the changes since the read under way began
   std::vector<int> registered_;  // the watch connection's, then the query connection's
-  std::set<std::string> oversized_;  // interfaces said to be too large to read, once each
+  std::set<std::string> oversized_;  // interfaces too large to read, said so once each
+  unsigned refreshes_ = 0;
   unsigned retryAlarm_ = 0;
   unsigned refreshAlarm_ = 0;
   double retryDelay_ = firstRetrySeconds;
