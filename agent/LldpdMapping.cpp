@@ -293,7 +293,8 @@ DesiredLocalPort localPort(LldpdPortInfo const& port) {
   if (port.pvid >= 1 && port.pvid <= vlanMax) {
     local.portVlanId = Bridging::VlanIdOrNone(static_cast<std::uint16_t>(port.pvid));
   }
-  local.linkAggStatus = Lldp::LinkAggStatusMap(port.aggregationId != 0 ? 0x3 : 0x0);
+  // lldpd sends its ports as able to aggregate, and as aggregated when they are.
+  local.linkAggStatus = Lldp::LinkAggStatusMap(port.aggregationId != 0 ? 0x3 : 0x1);
   local.linkAggPortId = clampedS32(port.aggregationId);
   local.maxFrameSize = clampedU16(port.mfs);
   return local;
