@@ -45,7 +45,10 @@ std::vector<TraceHandleInfo> const traceHandles{
       {8, "scans of the LLDP state"}}},
     {"Zet", "the framework", {{0, "a change handler that let an exception out"}}},
     {"Agent", "the host", {{1, "one line per load of the state, applied or refused, and per notification held back"}}},
-    {"Feed", "the live lldpd feed", {}},
+    {"Feed",
+     "the live lldpd feed",
+     {{1, "connecting, losing and regaining lldpd, and each whole read of its state"},
+      {2, "each neighbour change lldpd announces, and each periodic read"}}},
 };
 
 std::string traceHandleNames() {
@@ -102,7 +105,7 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
   AgentOptions o;
   CLI::App app{
       "lldp-snmp-agent: serves the LLDP-MIB, LLDP-EXT-DOT1-MIB and LLDP-EXT-DOT3-MIB over SNMP from an LLDP "
-      "state (a scenario file, or a built-in demo switch).",
+      "state: a scenario file, a built-in demo switch, or the live state of lldpd.",
       "lldp-snmp-agent"};
   app.get_formatter()->column_width(34);
   app.footer(traceHelp());
@@ -125,7 +128,21 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
                            ->expected(0, 1)
                            ->type_name("[ADDRESS]");
   // Not checked here: a scenario that cannot be read is refused like any bad scenario.
-  app.add_option("--scenario", o.scenario, "LLDP state to serve, as JSON (default: a built-in demo switch)")
+  auto* scenarioOption =
+      app.add_option("--scenario", o.scenario, "LLDP state to serve, as JSON (default: a built-in demo switch)")
+          ->type_name("FILE");
+  std::string feed;
+  app.add_option("--feed", feed, "Serve the live LLDP state of lldpd, at its default control socket or at SOCKET")
+      ->type_name("lldpd[:SOCKET]")
+      ->excludes(scenarioOption)
+      ->check(CLI::Validator(
+          [](std::string const& value) {
+            return value == "lldpd" || value.starts_with("lldpd:") ? std::string()
+                                                                   : std::string("expected lldpd or lldpd:SOCKET");
+          },
+          "", "feed"));
+  app.add_option("--write-scenario", o.writeScenario,
+                 "Write the LLDP state being served as a scenario file to FILE, then end")
       ->type_name("FILE");
   std::string check;
   auto* checkOption = app.add_option("--check", check,
@@ -158,6 +175,9 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
     return {std::nullopt, app.exit(e) == 0 ? 0 : 2};
   }
   o.notifications = !noNotifications;
+  if (!feed.empty()) {
+    o.feed = feed.substr(feed.find(':') == std::string::npos ? feed.size() : feed.find(':') + 1);
+  }
   if (agentxOption->count() > 0) {
     o.agentx = agentx;
   }

@@ -11,6 +11,8 @@ struct AgentOptions {
   std::optional<std::string> agentx;   // set: run as AgentX sub-agent; empty text: net-snmp's default socket
   std::string scenario;                // empty: the built-in demo switch
   std::optional<std::string> check;    // set: only read and check this scenario file (--check)
+  std::optional<std::string> feed;     // set: follow lldpd at this control socket; empty text: liblldpctl's default
+  std::string writeScenario;           // set: write the state as a scenario file there and end
   std::string plugin;                  // empty: found beside the agent
   std::string trace;                   // "Snmp=2,LldpSnmp=8"
   std::string ringlog;                 // where the ring log is written at exit and on SIGUSR1

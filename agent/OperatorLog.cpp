@@ -38,16 +38,20 @@ void appendList(std::string& text, std::string_view label, std::vector<std::stri
 
 std::string appliedText(std::string const& what, Reconciler::Report const& report) {
   std::string text = what + ":";
-  std::size_t const bare = text.size();
   appendList(text, "ports joined", report.portsJoined);
   appendList(text, "ports left", report.portsLeft);
   appendList(text, "neighbours added", report.neighborsAdded);
   appendList(text, "neighbours removed", report.neighborsRemoved);
   appendList(text, "neighbours changed", report.neighborsChanged);
-  if (text.size() == bare) {
+  if (unchanged(report)) {
     text += " no port or neighbour changed";
   }
   return text;
+}
+
+bool unchanged(Reconciler::Report const& report) {
+  return report.portsJoined.empty() && report.portsLeft.empty() && report.neighborsAdded.empty() &&
+         report.neighborsRemoved.empty() && report.neighborsChanged.empty();
 }
 
 void applied(std::string const& what, Reconciler::Report const& report) { record(appliedText(what, report)); }

@@ -13,6 +13,9 @@ namespace OperatorLog {
 // `what` names the occasion ("scenario loaded", "reload applied").
 std::string appliedText(std::string const& what, Reconciler::Report const& report);
 
+// No port or neighbour came, went or changed.
+bool unchanged(Reconciler::Report const& report);
+
 void applied(std::string const& what, Reconciler::Report const& report);
 void refused(std::string const& reason);
 // `sinceLast`: seconds since the last notification went out.

@@ -1,5 +1,5 @@
 // lldp-snmp-agent: an SNMP agent that loads the LldpSnmp plug-in and serves
-// the LLDP state of a scenario file (or of a built-in demo switch).
+// the LLDP state of a scenario file (or of a built-in demo switch), or lldpd's.
 
 #include <cstddef>
 #include <iostream>
@@ -17,11 +17,14 @@
 #include "Reconciler.h"
 #include "Ringlog/Ringlog.h"
 #include "Scenario.h"
+#include "ScenarioWriter.h"
 #include "Signals.h"
 #include "Snmp/Config.h"
 #include "Snmp/Conversions.h"
 #include "Snmp/SnmpUtil.h"
 #include "SnmpAgent.h"
+#include "StateFeed.h"
+#include "StateWriter.h"
 #include "Statebase/Statebase.h"
 #include "Zet/System.h"
 #include "Zet/Trace.h"
@@ -29,10 +32,6 @@
 namespace {
 
 constexpr char const* program = "lldp-snmp-agent";
-
-DesiredState readState(AgentOptions const& options) {
-  return options.scenario.empty() ? demoScenario() : loadScenarioFile(options.scenario);
-}
 
 // --check: the scenario is read as at start, and nothing is served.
 int checkScenario(std::string const& path) {
@@ -65,7 +64,14 @@ void writeRinglog(AgentOptions const& options) {
 
 int run(AgentOptions const& options) {
   // Everything that can be refused is checked before anything is served.
-  auto state = readState(options);
+  auto const feed = makeStateFeed(options);
+  feed->open();
+  if (!options.writeScenario.empty()) {
+    // No agent runs: the state's times count from now.
+    Snmp::uptimeOriginIs(Zet::System::currentTime());
+    writeScenarioFile(options.writeScenario, feed->initialState());
+    return 0;
+  }
   Signals signals;
   SnmpAgent agent(options);
   // TimeTicks count from sysUpTime 0 of whoever answers the manager: a master
@@ -86,11 +92,13 @@ int run(AgentOptions const& options) {
   }
   Statebase::entityIs(SnmpUtil::snmpConfigPath, snmpConfig);
   Reconciler reconciler;
-  OperatorLog::applied("state loaded", reconciler.apply(state));
+  OperatorLog::applied("state loaded", reconciler.apply(feed->initialState()));
   // The tables find the mirror at registration, and the LldpSm hands it over at
   // its first scan: both come before the plug-in's modules.
   PortDriver ports;
   ports.follow(reconciler);
+  StateWriter writer(reconciler, ports.lldpSm());
+  feed->follow(writer);
   Plugin plugin(options.plugin.empty() ? Plugin::defaultPath() : options.plugin);
   plugin.initModules("");
   std::cout << program << ": serving the LLDP-MIB " << servedWhere(options) << std::endl;
@@ -105,24 +113,7 @@ int run(AgentOptions const& options) {
           stop = true;
           break;
         case SIGHUP:
-          if (options.scenario.empty()) {
-            break;  // the demo has nothing to re-read
-          }
-          try {
-            // Read whole before anything is written; the driver follows the ports inside the apply.
-            DesiredState const next = loadScenarioFile(options.scenario);
-            double const lastNotification = ports.lldpSm()->lastNotificationTime();
-            auto const report = reconciler.apply(next);
-            OperatorLog::applied("reload applied", report);
-            // The notification goes out inside the apply, or not at all.
-            if (report.remTablesLastChangeTimeMoved && ports.lldpSm()->lastNotificationTime() == lastNotification) {
-              OperatorLog::notificationSuppressed(Zet::System::currentTime() - lastNotification);
-            }
-          } catch (ScenarioError const& e) {
-            std::cerr << program << ": reload refused, still serving the previous state: " << e.what()
-                      << std::endl;
-            OperatorLog::refused(e.what());
-          }
+          feed->reload();
           break;
         case SIGUSR1:
           writeRinglog(options);

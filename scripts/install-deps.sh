@@ -7,6 +7,7 @@ packages=(
   nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   python3-jsonschema
+  lldpd liblldpctl-dev iproute2 util-linux python3
 )
 missing=()
 for p in "${packages[@]}"; do

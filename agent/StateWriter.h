@@ -1,0 +1,29 @@
+#pragma once
+// The one way a feed writes a whole LLDP state once the agent serves: through
+// the Reconciler, with a line for operators per write (OperatorLog) and one
+// when the notification that the change could raise is held back.
+
+#include <string>
+
+#include "DesiredState.h"
+#include "LldpSm.h"
+#include "Reconciler.h"
+#include "Zet/Ptr.h"
+
+class StateWriter {
+ public:
+  // `reconciler` must outlive this and have applied the first state; `lldpSm`
+  // is the plug-in's, whose last notification tells a held-back one.
+  StateWriter(Reconciler& reconciler, Zet::Ptr<Lldp::Snmp::LldpSm> lldpSm)
+      : reconciler_(reconciler), lldpSm_(std::move(lldpSm)) {}
+
+  // `occasion` names the write in the log ("reload applied"). A write that
+  // changed no port or neighbour is recorded only when `recordUnchanged`.
+  void write(DesiredState const& state, std::string const& occasion, bool recordUnchanged);
+  // A state that could not be had: said on standard error and recorded.
+  void refused(std::string const& reason);
+
+ private:
+  Reconciler& reconciler_;
+  Zet::Ptr<Lldp::Snmp::LldpSm> lldpSm_;
+};
