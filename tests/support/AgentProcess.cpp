@@ -69,6 +69,17 @@ int waitFor(pid_t pid, double seconds) {
   return -1;
 }
 
+// Sends `signal`, waits (bounded) for the end, then kills; gives the wait status.
+int stopChild(pid_t pid, int signal) {
+  kill(pid, signal);
+  int status = waitFor(pid, 10.0);
+  if (status == -1) {
+    kill(pid, SIGKILL);
+    waitpid(pid, &status, 0);
+  }
+  return status;
+}
+
 }  // namespace
 
 int freeUdpPort() {
@@ -180,12 +191,7 @@ int AgentProcess::stop(int signal) {
   if (pid_ <= 0) {
     return -1;
   }
-  kill(pid_, signal);
-  int status = waitFor(pid_, 10.0);
-  if (status == -1) {
-    kill(pid_, SIGKILL);
-    waitpid(pid_, &status, 0);
-  }
+  int const status = stopChild(pid_, signal);
   pid_ = -1;
   return status;
 }
@@ -259,11 +265,6 @@ void MasterSnmpd::stop() {
   if (pid_ <= 0) {
     return;
   }
-  kill(pid_, SIGTERM);
-  int status = waitFor(pid_, 10.0);
-  if (status == -1) {
-    kill(pid_, SIGKILL);
-    waitpid(pid_, &status, 0);
-  }
+  stopChild(pid_, SIGTERM);
   pid_ = -1;
 }
