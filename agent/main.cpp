@@ -1,6 +1,8 @@
 // lldp-snmp-agent: an SNMP agent that loads the LldpSnmp plug-in and serves
 // the LLDP state of a scenario file (or of a built-in demo switch).
 
+#include <malloc.h>
+
 #include <iostream>
 #include <stdexcept>
 #include <string>
@@ -41,6 +43,10 @@ std::string servedWhere(AgentOptions const& options) {
                                                                      : *options.agentx);
 }
 
+// Reading a scenario builds its whole JSON document and frees it again;
+// malloc would keep those pages, several times the state they described.
+void returnFreedHeap() { malloc_trim(0); }
+
 void writeRinglog(AgentOptions const& options) {
   if (!options.ringlog.empty() && !Ringlog::dumpToFile(options.ringlog)) {
     std::cerr << program << ": cannot write the ring log to " << options.ringlog << std::endl;
@@ -71,12 +77,15 @@ int run(AgentOptions const& options) {
   Statebase::entityIs(SnmpUtil::snmpConfigPath, snmpConfig);
   Reconciler reconciler;
   OperatorLog::applied("state loaded", reconciler.apply(state));
+  // A reload is compared with the entities, not with the scenario as read.
+  state = DesiredState();
   // The tables find the mirror at registration, and the LldpSm hands it over at
   // its first scan: both come before the plug-in's modules.
   PortDriver ports;
   ports.follow(reconciler);
   Plugin plugin(options.plugin.empty() ? Plugin::defaultPath() : options.plugin);
   plugin.initModules("");
+  returnFreedHeap();
   std::cout << program << ": serving the LLDP-MIB " << servedWhere(options) << std::endl;
 
   bool stop = false;
@@ -107,6 +116,7 @@ int run(AgentOptions const& options) {
                       << std::endl;
             OperatorLog::refused(e.what());
           }
+          returnFreedHeap();
           break;
         case SIGUSR1:
           writeRinglog(options);
