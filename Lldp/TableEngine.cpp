@@ -628,7 +628,10 @@ int windowHandler(netsnmp_mib_handler* handler, netsnmp_handler_registration* re
   auto* const window = static_cast<RequestWindowState*>(handler->myvoid);
   struct Forget {
     RequestWindowState* window;
-    ~Forget() { window->reqinfo = nullptr, window->requests = nullptr; }
+    ~Forget() {
+      window->reqinfo = nullptr;
+      window->requests = nullptr;
+    }
   } const forget{window};
   window->reqinfo = reqinfo;
   window->requests = requests;
@@ -648,7 +651,9 @@ bool keysPlain(TableDesc const& table, Root const& root, RequestWindowState& win
     plain = rows.plainIndex(row);
     rows.advance(walk.get());
   }
-  window = {window.reqinfo, window.requests, window.end, true, version, plain};
+  window.checked = true;
+  window.checkedVersion = version;
+  window.plain = plain;
   ZET_TRACE(trace(), 2) << table.name << " request window: every index in key order: " << plain;
   return plain;
 }
