@@ -149,6 +149,7 @@ namespace {
 using TableEngine::ColumnDesc;
 using TableEngine::IndexDesc;
 static_assert(noLength == TableEngine::noLength, "one meaning of no length check for scalars and columns");
+using TableEngine::RequestWindow;
 using TableEngine::Sorted;
 using TableEngine::TableDesc;
 using TableEngine::TimeFilter;
@@ -169,7 +170,8 @@ constexpr TableDesc lldpPortConfigTableDesc{
     lldpPortConfigColumns, Sorted::yes, TimeFilter::no, nullptr, &TableEngine::portConfigRows};
 
 // The two address tables index the address by its length and bytes, and the
-// walk takes no hint; lldpConfigManAddrTable declares lldpLocManAddrTable's indexes.
+// walk takes no hint; the collection sorts as that index, so a request window
+// limits the walk. lldpConfigManAddrTable declares lldpLocManAddrTable's indexes.
 IndexDesc const lldpLocManAddrIndexes[] = {{"lldpLocManAddrSubtype", ASN_INTEGER}, {"lldpLocManAddr", ASN_OCTET_STR}};
 
 ColumnDesc const lldpConfigManAddrColumns[] = {
@@ -178,7 +180,8 @@ ColumnDesc const lldpConfigManAddrColumns[] = {
 };
 constexpr TableDesc lldpConfigManAddrTableDesc{
     "lldpConfigManAddrTable", {1, 0, 8802, 1, 1, 2, 1, 1, 7}, HANDLER_CAN_RWRITE, lldpLocManAddrIndexes,
-    lldpConfigManAddrColumns, Sorted::no, TimeFilter::no, nullptr, &TableEngine::localManagementAddressRows};
+    lldpConfigManAddrColumns, Sorted::no, TimeFilter::no, nullptr, &TableEngine::localManagementAddressRows,
+    RequestWindow::yes};
 
 IndexDesc const lldpStatsTxPortIndexes[] = {{"lldpStatsTxPortNum", ASN_INTEGER}};
 ColumnDesc const lldpStatsTxPortColumns[] = {
@@ -234,7 +237,8 @@ ColumnDesc const lldpLocManAddrColumns[] = {
 };
 constexpr TableDesc lldpLocManAddrTableDesc{
     "lldpLocManAddrTable", {1, 0, 8802, 1, 1, 2, 1, 3, 8}, HANDLER_CAN_RONLY, lldpLocManAddrIndexes,
-    lldpLocManAddrColumns, Sorted::no, TimeFilter::no, nullptr, &TableEngine::localManagementAddressRows};
+    lldpLocManAddrColumns, Sorted::no, TimeFilter::no, nullptr, &TableEngine::localManagementAddressRows,
+    RequestWindow::yes};
 
 // A reader of a column of the Root's value records of type Lldp::Snmp::Record.
 #define LLDP_RECORD_READER(Record, expression)                                                     \
@@ -270,8 +274,8 @@ constexpr TableDesc lldpRemTableDesc{
     "lldpRemTable", {1, 0, 8802, 1, 1, 2, 1, 4, 1}, HANDLER_CAN_RONLY, lldpRemIndexes, lldpRemColumns, Sorted::yes,
     TimeFilter::yes, nullptr, &TableEngine::remoteSystemRows};
 
-// Like the local address tables, unsorted and without a hint: every request
-// filters the whole collection. The columns read the record's copy.
+// Like the local address tables, unsorted and without a hint, and walked
+// within a request window. The columns read the record's copy.
 IndexDesc const lldpRemManAddrIndexes[] = {{"lldpRemTimeMark", ASN_TIMETICKS},
                                            {"lldpRemLocalPortNum", ASN_INTEGER},
                                            {"lldpRemIndex", ASN_INTEGER},
@@ -287,7 +291,8 @@ ColumnDesc const lldpRemManAddrColumns[] = {
 };
 constexpr TableDesc lldpRemManAddrTableDesc{
     "lldpRemManAddrTable", {1, 0, 8802, 1, 1, 2, 1, 4, 2}, HANDLER_CAN_RONLY, lldpRemManAddrIndexes,
-    lldpRemManAddrColumns, Sorted::no, TimeFilter::yes, nullptr, &TableEngine::remoteManagementAddressRows};
+    lldpRemManAddrColumns, Sorted::no, TimeFilter::yes, nullptr, &TableEngine::remoteManagementAddressRows,
+    RequestWindow::yes};
 
 IndexDesc const lldpRemUnknownTLVIndexes[] = {{"lldpRemTimeMark", ASN_TIMETICKS},
                                               {"lldpRemLocalPortNum", ASN_INTEGER},

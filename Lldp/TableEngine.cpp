@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -45,6 +46,17 @@ struct HintValue {
 };
 constexpr std::size_t maxIndexes = 6;
 using HintValues = std::array<HintValue, maxIndexes>;
+
+// The components of a requested index, after a time filter's mark, that a
+// request window reads: integers not negative, strings whole.
+struct IndexValue {
+  std::int32_t integer = 0;
+  Zet::String octets;
+};
+using IndexValues = std::array<IndexValue, maxIndexes>;
+
+// The longest address an index carries; a longer key is written as an empty string.
+constexpr int maxIndexAddress = 31;
 
 // Writes a row's index into the variables net-snmp handed over, one after the other.
 class IndexWriter {
@@ -108,6 +120,18 @@ struct Rows {
   void (*streamKey)(std::ostream& os, void const* row);
   // The neighbour's lastChangeTime that the time filter compares; 0.0 for local rows.
   double (*timeMark)(void const* row);
+
+  // Only for collections a request window walks, null for the others:
+  // the first row at or above every key whose index starts with the first
+  // `count` values, null past the last;
+  void const* (*atOrAboveIndex)(Root const& root, IndexValues const& values, std::size_t count);
+  // whether the row's index sorts in the OID as its key does.
+  bool (*plainIndex)(void const* row);
+  // For every collection: a new context at `row`, at the end for null.
+  void* (*at)(Root const& root, void const* row);
+  bool (*less)(void const* a, void const* b);
+  // Moves with every change of the collection's keys.
+  std::uint32_t (*version)(Root const& root);
 };
 
 namespace {
@@ -118,7 +142,10 @@ namespace {
 //   keyType, key(values)    how a hint becomes a key: only for collections of
 //                           tables that take a hint; a range exception from
 //                           key() makes the hint unusable;
-//   timeMark(row)           only for the remote collections.
+//   timeMark(row)           only for the remote collections;
+//   lowerBound(values, n),  only for collections a request window walks: the
+//   plainIndex(row)         smallest key with the first n index values, and
+//                           whether a row's index OID sorts as its key.
 template <class Traits>
 struct RowsOf {
   using Map = std::remove_cvref_t<decltype(Traits::collection(std::declval<Root const&>()))>;
@@ -172,13 +199,67 @@ struct RowsOf {
       return 0.0;
     }
   }
+
+  static constexpr bool windowed = requires(IndexValues const& v, Row const& r) {
+    Traits::lowerBound(v, std::size_t{});
+    Traits::plainIndex(r);
+  };
+  static void const* atOrAboveIndex(Root const& root, IndexValues const& values, std::size_t count) {
+    if constexpr (windowed) {
+      return Traits::collection(root).atOrAbove(Traits::lowerBound(values, count));
+    } else {
+      (void)root, (void)values, (void)count;
+      return nullptr;
+    }
+  }
+  static bool plainIndex(void const* row) {
+    if constexpr (windowed) {
+      return Traits::plainIndex(rowOf(row));
+    } else {
+      (void)row;
+      return false;
+    }
+  }
+  static void* at(Root const& root, void const* row) {
+    return adopt(Traits::collection(root).iterator(static_cast<Row const*>(row)));
+  }
+  static bool less(void const* a, void const* b) { return rowOf(a).fwkKey() < rowOf(b).fwkKey(); }
+  static std::uint32_t version(Root const& root) { return Traits::collection(root).version(); }
 };
 
 template <class Traits>
 constexpr Rows rowsOf() {
   using R = RowsOf<Traits>;
-  return {R::first, R::atHint, R::copy, R::assign, R::advance, R::destroy, R::row, R::writeIndexes, R::streamKey,
-          R::timeMark};
+  return {R::first,
+          R::atHint,
+          R::copy,
+          R::assign,
+          R::advance,
+          R::destroy,
+          R::row,
+          R::writeIndexes,
+          R::streamKey,
+          R::timeMark,
+          R::windowed ? R::atOrAboveIndex : nullptr,
+          R::windowed ? R::plainIndex : nullptr,
+          R::at,
+          R::less,
+          R::version};
+}
+
+// Index fields a request does not give take their smallest value, so that the
+// bound is at or below every key that has the fields given.
+constexpr std::int32_t smallestS32 = std::numeric_limits<std::int32_t>::min();
+
+Lldp::ManagementAddress::Key addressLowerBound(IndexValues const& v, std::size_t first, std::size_t count) {
+  std::int32_t const subtype = count > first ? v[first].integer : smallestS32;
+  return {subtype, Lldp::ManAddress(count > first + 1 ? v[first + 1].octets : Zet::String())};
+}
+
+// Negative subtypes sort first among the keys but last in the OID, and an
+// address the index cannot carry is written empty.
+bool plainAddress(Lldp::ManagementAddress::Key const& key) {
+  return key.manAddrSubtype >= 0 && key.manAddr.size() <= static_cast<std::size_t>(maxIndexAddress);
 }
 
 // A port as an index hint carries it: the low 16 bits, which must then be a port number.
@@ -205,13 +286,18 @@ struct LocalPortSpec : PortKeyed {
   static auto const& collection(Root const& root) { return root.localPort(); }
 };
 
-// The address tables take no hint: net-snmp compares every row itself.
+// The address tables take no hint: net-snmp compares every row itself, of
+// those a request window lets through.
 struct LocalManagementAddressSpec {
   static auto const& collection(Root const& root) { return root.localManagementAddress(); }
   static void write(Lldp::Snmp::LocalManagementAddress const& row, IndexWriter& w) {
     w.integer("manAddrSubtype=", row.manAddrSubtype());
-    w.octets("manAddr=", row.manAddr(), row.manAddr().value(), 31);
+    w.octets("manAddr=", row.manAddr(), row.manAddr().value(), maxIndexAddress);
   }
+  static Lldp::ManagementAddress::Key lowerBound(IndexValues const& v, std::size_t count) {
+    return addressLowerBound(v, 0, count);
+  }
+  static bool plainIndex(Lldp::Snmp::LocalManagementAddress const& row) { return plainAddress(row.key()); }
 };
 
 // The tables of one neighbour: after the mark, its port and index.
@@ -245,7 +331,18 @@ struct RemoteManagementAddressSpec : RemoteValue {
     auto const& key = row.value.key;
     writeNeighbour(key.ethPortId, key.index, w);
     w.integer("manAddrSubtype=", key.manAddrKey.manAddrSubtype);
-    w.octets("manAddr=", key.manAddrKey.manAddr, key.manAddrKey.manAddr.value(), 31);
+    w.octets("manAddr=", key.manAddrKey.manAddr, key.manAddrKey.manAddr.value(), maxIndexAddress);
+  }
+  static Lldp::Snmp::RemoteManagementAddressKey lowerBound(IndexValues const& v, std::size_t count) {
+    if (count == 0 || v[0].integer > Interface::EthPortId::max) {
+      return {Interface::EthPortId(Interface::EthPortId::min), smallestS32, addressLowerBound(v, 2, 0)};
+    }
+    Interface::EthPortId const port(static_cast<std::uint16_t>(v[0].integer));
+    return {port, count > 1 ? v[1].integer : smallestS32, addressLowerBound(v, 2, count)};
+  }
+  // A negative neighbour index sorts first on its port, and last in the OID.
+  static bool plainIndex(Root::ZetRemoteManagementAddress const& row) {
+    return row.value.key.index >= 0 && plainAddress(row.value.key.manAddrKey);
   }
 };
 
@@ -496,6 +593,213 @@ void* hintedRow(TableDesc const& table, Root const& root, netsnmp_table_request_
   return table.rows->atHint(root, values, table);
 }
 
+// What the walk of a windowed table knows beyond net-snmp's callbacks. It
+// rides behind the table's iterator info, in the block net-snmp frees with
+// it, so that the callbacks find it through `iinfo`.
+struct RequestWindowState {
+  // The call of the table's chain under way, set by the window handler for
+  // its length only: no request outlives it.
+  netsnmp_agent_request_info* reqinfo;
+  netsnmp_request_info* requests;
+  // How the current pass of the walk ends.
+  enum class End { whole, whenAnswered, afterFirstRow } end;
+  // Whether every key of the collection sorts in the OID as it does here,
+  // as found at the collection's version `checkedVersion`.
+  bool checked;
+  std::uint32_t checkedVersion;
+  bool plain;
+};
+struct WindowedIteratorInfo {
+  netsnmp_iterator_info info;  // first: net-snmp sees only this
+  RequestWindowState window;
+};
+static_assert(std::is_standard_layout_v<WindowedIteratorInfo> && std::is_trivially_destructible_v<WindowedIteratorInfo>,
+              "net-snmp frees the block with free()");
+
+RequestWindowState* windowOf(TableDesc const& table, netsnmp_iterator_info* iinfo) {
+  if (table.requestWindow == RequestWindow::no || !iinfo) {
+    return nullptr;
+  }
+  return &reinterpret_cast<WindowedIteratorInfo*>(iinfo)->window;
+}
+
+int windowHandler(netsnmp_mib_handler* handler, netsnmp_handler_registration* reginfo,
+                  netsnmp_agent_request_info* reqinfo, netsnmp_request_info* requests) {
+  auto* const window = static_cast<RequestWindowState*>(handler->myvoid);
+  struct Forget {
+    RequestWindowState* window;
+    ~Forget() {
+      window->reqinfo = nullptr;
+      window->requests = nullptr;
+    }
+  } const forget{window};
+  window->reqinfo = reqinfo;
+  window->requests = requests;
+  return netsnmp_call_next_handler(handler, reginfo, reqinfo, requests);
+}
+
+bool keysPlain(TableDesc const& table, Root const& root, RequestWindowState& window) {
+  Rows const& rows = *table.rows;
+  std::uint32_t const version = rows.version(root);
+  if (window.checked && window.checkedVersion == version) {
+    return window.plain;
+  }
+  // Once per change of the collection: the next requests reuse the answer.
+  bool plain = true;
+  std::unique_ptr<void, void (*)(void*)> const walk(rows.first(root), rows.destroy);
+  for (void const* row = rows.row(walk.get()); row && plain; row = rows.row(walk.get())) {
+    plain = rows.plainIndex(row);
+    rows.advance(walk.get());
+  }
+  window.checked = true;
+  window.checkedVersion = version;
+  window.plain = plain;
+  ZET_TRACE(trace(), 2) << table.name << " request window: every index in key order: " << plain;
+  return plain;
+}
+
+// The OID of the table's entry and a column: the start of every OID the walk builds.
+std::size_t columnPrefix(TableDesc const& table, oid column, oid* out) {
+  std::copy_n(table.objectId.ids, table.objectId.length, out);
+  out[table.objectId.length] = 1;
+  out[table.objectId.length + 1] = column;
+  return table.objectId.length + 2;
+}
+
+// The components of `suffix` that follow the OID's order for plain keys:
+// whole integers of 32 bits and whole strings, up to the first that is not.
+std::size_t readIndexValues(TableDesc const& table, oid const* suffix, std::size_t length, IndexValues& values) {
+  std::size_t pos = 0;
+  std::size_t count = 0;
+  for (std::size_t i = table.timeFilter == TimeFilter::yes ? 1 : 0; i < table.indexes.size(); ++i) {
+    u_char const type = table.indexes[i].type;
+    if (pos >= length || count >= values.size()) {
+      break;
+    }
+    if (type == ASN_INTEGER) {
+      if (suffix[pos] > static_cast<oid>(std::numeric_limits<std::int32_t>::max())) {
+        break;
+      }
+      values[count].integer = static_cast<std::int32_t>(suffix[pos]);
+      pos += 1;
+    } else if (type == ASN_OCTET_STR) {
+      oid const n = suffix[pos];
+      if (n > length - pos - 1 ||
+          std::any_of(suffix + pos + 1, suffix + pos + 1 + n, [](oid byte) { return byte > 0xff; })) {
+        break;
+      }
+      std::string bytes(n, '\0');
+      std::transform(suffix + pos + 1, suffix + pos + 1 + n, bytes.begin(),
+                     [](oid byte) { return static_cast<char>(byte); });
+      values[count].octets = Zet::String(bytes);
+      pos += 1 + n;
+    } else {
+      break;
+    }
+    ++count;
+  }
+  return count;
+}
+
+// Where a pass of a windowed walk starts: at the smallest key any request
+// left can be answered from, or at the first row when one of them is below
+// every row. Fills `end`; null means the first row.
+void const* windowStart(TableDesc const& table, Root const& root, RequestWindowState& window,
+                        netsnmp_variable_list* indexes) {
+  window.end = RequestWindowState::End::whole;
+  if (!window.reqinfo || !window.requests ||
+      (window.reqinfo->mode != MODE_GET && window.reqinfo->mode != MODE_GETNEXT)) {
+    return nullptr;
+  }
+  oid mark[MAX_OID_LEN];
+  std::size_t markLength = 0;
+  if (table.timeFilter == TimeFilter::yes) {
+    // The rows' OIDs carry the mark of the list's first request, as net-snmp builds it.
+    if (!indexes || !indexes->val.integer) {
+      return nullptr;
+    }
+    netsnmp_variable_list* const rest = indexes->next_variable;
+    indexes->next_variable = nullptr;
+    int const built = build_oid_noalloc(mark, MAX_OID_LEN, &markLength, nullptr, 0, indexes);
+    indexes->next_variable = rest;
+    if (built != SNMPERR_SUCCESS) {
+      return nullptr;
+    }
+  }
+  if (!keysPlain(table, root, window)) {
+    return nullptr;
+  }
+  window.end = RequestWindowState::End::whenAnswered;
+  bool bounded = false;
+  void const* start = nullptr;
+  for (netsnmp_request_info const* request = window.requests; request; request = request->next) {
+    auto const* const info = netsnmp_extract_table_info(const_cast<netsnmp_request_info*>(request));
+    if (request->processed || !info) {
+      continue;
+    }
+    oid prefix[MAX_OID_LEN];
+    std::size_t prefixLength = columnPrefix(table, info->colnum, prefix);
+    std::copy_n(mark, markLength, prefix + prefixLength);
+    prefixLength += markLength;
+    oid const* const name = request->requestvb->name;
+    std::size_t const nameLength = request->requestvb->name_length;
+    std::size_t const common = std::min(prefixLength, nameLength);
+    int const order = snmp_oid_compare(name, common, prefix, common);
+    if (order > 0) {
+      continue;  // above every row: no row answers it
+    }
+    if (order < 0 || nameLength < prefixLength) {
+      return nullptr;  // below every row: the first row may answer it
+    }
+    IndexValues values{};
+    std::size_t const count = readIndexValues(table, name + prefixLength, nameLength - prefixLength, values);
+    void const* const candidate = table.rows->atOrAboveIndex(root, values, count);
+    if (!bounded || (candidate && (!start || table.rows->less(candidate, start)))) {
+      start = candidate;
+      bounded = true;
+    }
+  }
+  if (!bounded) {
+    return nullptr;
+  }
+  if (!start) {
+    // Past the last row: the first row stands in for the walk (see firstDataPoint).
+    window.end = RequestWindowState::End::afterFirstRow;
+  }
+  return start;
+}
+
+// Whether the row whose index is in `indexes` has answered every request
+// left: its OID is beyond each request's, or a request is beyond the table.
+// The rows after it sort after it in the OID as well.
+bool answered(TableDesc const& table, RequestWindowState const& window, netsnmp_variable_list* indexes) {
+  oid built[MAX_OID_LEN];
+  std::size_t const columnAt = columnPrefix(table, 0, built) - 1;
+  std::size_t indexLength = 0;
+  if (build_oid_noalloc(built + columnAt + 1, MAX_OID_LEN - columnAt - 1, &indexLength, nullptr, 0, indexes) !=
+      SNMPERR_SUCCESS) {
+    return false;
+  }
+  std::size_t const builtLength = columnAt + 1 + indexLength;
+  std::size_t const rowPrefix = columnAt + 1 + (table.timeFilter == TimeFilter::yes ? 1 : 0);
+  for (netsnmp_request_info const* request = window.requests; request; request = request->next) {
+    auto const* const info = netsnmp_extract_table_info(const_cast<netsnmp_request_info*>(request));
+    if (request->processed || !info) {
+      continue;
+    }
+    built[columnAt] = info->colnum;
+    oid const* const name = request->requestvb->name;
+    std::size_t const nameLength = request->requestvb->name_length;
+    bool const beyond = snmp_oid_compare(built, builtLength, name, nameLength) > 0;
+    bool const outside =
+        snmp_oid_compare(built, std::min(rowPrefix, builtLength), name, std::min(rowPrefix, nameLength)) < 0;
+    if (!beyond && !outside) {
+      return false;
+    }
+  }
+  return true;
+}
+
 netsnmp_variable_list* iterationHelper(TableDesc const& table, void const* loop, netsnmp_variable_list* indexes) {
   void const* const row = loop ? table.rows->row(loop) : nullptr;
   if (!row) {
@@ -640,7 +944,14 @@ void registerTable(TableDesc const& table, TableCallbacks const& callbacks, MibM
   netsnmp_column_info* const columnInfo = makeColumnInfo(table.columns);
   netsnmp_table_registration_info* const tableInfo = makeTableInfo(table, columnInfo, context);
 
-  auto* const iinfo = static_cast<netsnmp_iterator_info*>(std::calloc(1, sizeof(netsnmp_iterator_info)));
+  bool const windowed = table.requestWindow == RequestWindow::yes;
+  if (windowed && (table.sorted == Sorted::yes || !table.rows->atOrAboveIndex)) {
+    std::cerr << "table " << table.name << " has a request window but is sorted or its rows take none" << std::endl;
+    failRegistration("windowed", module, __LINE__, function);
+  }
+  // A windowed table's state rides behind the iterator info, in one block.
+  auto* const iinfo = static_cast<netsnmp_iterator_info*>(
+      std::calloc(1, windowed ? sizeof(WindowedIteratorInfo) : sizeof(netsnmp_iterator_info)));
   iinfo->refcnt = 0;
   iinfo->get_first_data_point = callbacks.firstDataPoint;
   iinfo->get_next_data_point = callbacks.nextDataPoint;
@@ -665,6 +976,14 @@ void registerTable(TableDesc const& table, TableCallbacks const& callbacks, MibM
       failRegistration("injected == (0)", module, __LINE__, function);
     }
   }
+  if (windowed) {
+    // Right ahead of the iterator, so that the whole list still reaches it in one call.
+    netsnmp_mib_handler* const handler = netsnmp_create_handler("request_window", windowHandler);
+    handler->myvoid = windowOf(table, iinfo);
+    if (netsnmp_inject_handler_before(registration, handler, TABLE_ITERATOR_NAME) != SNMPERR_SUCCESS) {
+      failRegistration("windowInjected == (0)", module, __LINE__, function);
+    }
+  }
   ZET_TRACE(trace(), 8) << "Initialized table " << table.name << " in context \"" << context << "\"";
 }
 
@@ -685,8 +1004,27 @@ netsnmp_variable_list* firstDataPoint(TableDesc const& table, void** loopContext
                           << ", hintMatched=" << hintMatched;
   } else {
     // Not in OID order: net-snmp hands no hint and compares every row itself.
-    loop = table.rows->first(root);
+    RequestWindowState* const window = windowOf(table, iinfo);
+    void const* const start = window ? windowStart(table, root, *window, indexes) : nullptr;
+    loop = start ? table.rows->at(root, start) : table.rows->first(root);
     ZET_TRACE(trace(), 2) << table.name << "_get_first_data_point - allocated new loop context " << loop;
+    if (start) {
+      if (table.timeFilter == TimeFilter::yes) {
+        skipFiltered(table, loop, indexes);
+      }
+      if (table.rows->row(loop)) {
+        *loopContext = loop;
+        return iterationHelper(table, loop, indexes);
+      }
+      // No row from the window's start on passes. A walk that gives net-snmp
+      // no row leaves its bookkeeping otherwise than one whose rows nobody
+      // takes: one row, the first, keeps it as a whole walk leaves it.
+      table.rows->destroy(loop);
+      loop = table.rows->first(root);
+      window->end = RequestWindowState::End::afterFirstRow;
+      ZET_TRACE(trace(), 2) << table.name << "_get_first_data_point - no row in the request window, loop context "
+                            << loop;
+    }
   }
   if (table.timeFilter == TimeFilter::yes) {
     skipFiltered(table, loop, indexes);
@@ -696,11 +1034,19 @@ netsnmp_variable_list* firstDataPoint(TableDesc const& table, void** loopContext
 }
 
 netsnmp_variable_list* nextDataPoint(TableDesc const& table, void** loopContext, void** dataContext,
-                                     netsnmp_variable_list* indexes, netsnmp_iterator_info*) {
+                                     netsnmp_variable_list* indexes, netsnmp_iterator_info* iinfo) {
   void* const loop = *loopContext;
   if (!loop || !table.rows->row(loop)) {
     ZET_TRACE(trace(), 2) << table.name << "_get_next_data_point - at end of loop context " << loop;
     return nullptr;
+  }
+  if (RequestWindowState const* const window = windowOf(table, iinfo)) {
+    using End = RequestWindowState::End;
+    if (window->end == End::afterFirstRow || (window->end == End::whenAnswered && answered(table, *window, indexes))) {
+      ZET_TRACE(trace(), 2) << table.name << "_get_next_data_point - every request answered, ending loop context "
+                            << loop;
+      return nullptr;
+    }
   }
   void* const data = *dataContext;
   ZET_TRACE(trace(), 2) << table.name << "_get_next_data_point - advancing loop context " << loop

@@ -25,6 +25,16 @@
 // When a GETNEXT moves on to the next column the helper starts that column's
 // walk without a hint, from the first row.
 //
+// The unsorted tables get no hint, and net-snmp compares every row the walk
+// gives with every request. Where the collection's key order is the order of
+// the index in the OID (RequestWindow::yes), a handler of the engine ahead of
+// the iterator lets the walk see the request list, for that call only: the
+// walk then starts at the smallest key a request can be answered from and ends
+// once the rows given have answered every request, so that net-snmp's choice
+// is the one a whole walk would give. A collection holding a key whose OID is
+// out of that order (a negative integer, an address over 31 bytes) is walked
+// whole, as are SET requests.
+//
 // The exported and net-snmp-facing functions of a table are forwarders to this
 // engine, stamped out by TABLE_ENGINE_TABLE next to the table's descriptor.
 
@@ -91,6 +101,9 @@ struct RowFilter {
 
 enum class Sorted : bool { no, yes };
 enum class TimeFilter : bool { no, yes };
+// For unsorted tables whose collection sorts as the index's OID: the walk may
+// be limited to the rows that can answer the request list (see above).
+enum class RequestWindow : bool { no, yes };
 
 struct TableOid {
   static constexpr std::size_t maxLength = 12;
@@ -116,6 +129,7 @@ struct TableDesc {
   TimeFilter timeFilter;
   RowFilter const* rowFilter;           // null: none
   Rows const* rows;
+  RequestWindow requestWindow = RequestWindow::no;
 };
 
 // The callbacks of one table, as net-snmp is to call them.

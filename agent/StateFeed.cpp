@@ -13,7 +13,8 @@ class ScenarioFeed : public StateFeed {
   explicit ScenarioFeed(std::string path)
       : path_(std::move(path)), state_(path_.empty() ? demoScenario() : loadScenarioFile(path_)) {}
 
-  DesiredState initialState() override { return state_; }
+  // Once: a reload is compared with the state database, not with the file as first read.
+  DesiredState initialState() override { return std::exchange(state_, DesiredState()); }
   void follow(StateWriter& writer) override { writer_ = &writer; }
   void reload() override {
     if (path_.empty() || !writer_) {
@@ -21,8 +22,7 @@ class ScenarioFeed : public StateFeed {
     }
     try {
       // Read whole before anything is written; the port driver follows the ports inside the write.
-      state_ = loadScenarioFile(path_);
-      writer_->write(state_, "reload applied", true);
+      writer_->write(loadScenarioFile(path_), "reload applied", true);
     } catch (ScenarioError const& e) {
       writer_->refused(e.what());
     }

@@ -1,6 +1,8 @@
 // lldp-snmp-agent: an SNMP agent that loads the LldpSnmp plug-in and serves
 // the LLDP state of a scenario file (or of a built-in demo switch), or lldpd's.
 
+#include <malloc.h>
+
 #include <cstddef>
 #include <iostream>
 #include <stdexcept>
@@ -56,6 +58,10 @@ std::string servedWhere(AgentOptions const& options) {
                                                                      : *options.agentx);
 }
 
+// Reading a scenario builds its whole JSON document and frees it again;
+// malloc would keep those pages, several times the state they described.
+void returnFreedHeap() { malloc_trim(0); }
+
 void writeRinglog(AgentOptions const& options) {
   if (!options.ringlog.empty() && !Ringlog::dumpToFile(options.ringlog)) {
     std::cerr << program << ": cannot write the ring log to " << options.ringlog << std::endl;
@@ -101,6 +107,7 @@ int run(AgentOptions const& options) {
   feed->follow(writer);
   Plugin plugin(options.plugin.empty() ? Plugin::defaultPath() : options.plugin);
   plugin.initModules("");
+  returnFreedHeap();
   std::cout << program << ": serving the LLDP-MIB " << servedWhere(options) << std::endl;
 
   bool stop = false;
@@ -114,6 +121,7 @@ int run(AgentOptions const& options) {
           break;
         case SIGHUP:
           feed->reload();
+          returnFreedHeap();
           break;
         case SIGUSR1:
           writeRinglog(options);

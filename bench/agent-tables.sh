@@ -6,7 +6,7 @@
 #   cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DLLDPSNMP_BENCH=ON -DLLDPSNMP_TESTS=OFF
 #   make -C build-bench -j2 lldp-snmp-agent MinimalTableAgent RequestLatency
 #   bench/agent-tables.sh build-bench [--sizes "1000 10000 50000"] [--modes "master agentx"] [--samples 200]
-#                           [--walk-limit 300] [--addresses 1]
+#                           [--walk-limit 300] [--addresses 2]
 #
 # For each size (neighbours in all) it writes a scenario with every TLV kind on every neighbour (and
 # --addresses management addresses each) into a temp dir, starts the agent on a free 127.0.0.1 port (as a
@@ -16,7 +16,8 @@
 # kept, so that a moment of noise on a shared machine does not decide the ratio (seconds and varbinds/s of
 # ours, varbinds/s of the minimal agent, ours/minimal); a bulk walk of the whole LLDP subtree (seconds,
 # varbinds/s, varbinds; the best of 3 while one takes under 10 s; a walk stopped at --walk-limit shows the
-# limit and its partial count); the median
+# limit and its partial count), and under the row how that walk's time split over the tables (seconds,
+# varbinds, varbinds/s per table, by bench/walk-split.py), so that the slowest table shows; the median
 # microseconds of --samples requests, one after another on one session, for a GET of a scalar, of
 # lldpRemSysName on the first and on the last row, and a GETNEXT on the row before the last, with the client,
 # the agent and its snmpd on one CPU; and the agent's VmRSS, also per neighbour beyond an agent serving none.
@@ -36,7 +37,7 @@ sizes="1000 10000"
 modes="master agentx"
 samples=200
 walkLimit=300
-addresses=1
+addresses=2
 # Walks of lldpRemTable per agent and size; the fastest of each counts.
 walkRuns=3
 while [[ $# -gt 0 ]]; do
@@ -119,13 +120,14 @@ waitReady() {
 # Prints "seconds varbinds" of one bulk walk of $2 at $1; a walk cut off after $walkLimit seconds counts
 # what it got, and its seconds are the limit (its rate is then what it reached, not what a full walk would).
 # An agent with nothing past the walked subtree ends it with endOfMibView, which is no varbind of its own.
+# $3, if given, gets the walk's time per table.
 bulkWalk() {
-  local target=$1 oid=$2 t0 t1 count
+  local target=$1 oid=$2 split=${3:-/dev/null} t0 t1 count
   t0=$(now)
   count=$(timeout "$walkLimit" stdbuf -oL snmpbulkwalk "${snmpOpts[@]}" -Cr25 "$target" "$oid" |
-    grep -vc "No more variables left" || true)
+    python3 "$here/walk-split.py" "$split" || true)
   t1=$(now)
-  echo "$(echo "$t1 - $t0" | bc -l) $count"
+  echo "$(echo "$t1 - $t0" | bc -l) ${count:-0}"
 }
 
 # Of two walks ("seconds varbinds"), prints the one with more varbinds per second; the first may be empty.
@@ -232,11 +234,17 @@ for mode in $modes; do
       echo "$0: lldpRemTable gave $remCount varbinds, the minimal agent's table $minimalCount" >&2
     remRate=$(echo "$remCount / $remSeconds" | bc -l)
     minimalRate=$(echo "$minimalCount / $minimalSeconds" | bc -l)
-    # Best of $walkRuns as well while a walk takes under 10 s; a longer one is not noise-bound.
-    mibWalk=$(bulkWalk "$target" "$lldp")
+    # Best of $walkRuns as well while a walk takes under 10 s; a longer one is not noise-bound. The split
+    # shown is the best walk's.
+    mibWalk=$(bulkWalk "$target" "$lldp" "$work/split")
+    cp "$work/split" "$work/split-best"
     for ((run = 1; run < walkRuns; run++)); do
       [[ $(echo "${mibWalk%% *} < 10" | bc -l) == 1 ]] || break
-      mibWalk=$(faster "$mibWalk" "$(bulkWalk "$target" "$lldp")")
+      nextWalk=$(bulkWalk "$target" "$lldp" "$work/split")
+      if [[ $(faster "$mibWalk" "$nextWalk") == "$nextWalk" ]]; then
+        mibWalk=$nextWalk
+        cp "$work/split" "$work/split-best"
+      fi
     done
     read -r mibSeconds mibCount <<<"$mibWalk"
 
@@ -258,6 +266,9 @@ for mode in $modes; do
       "$mibSeconds" "$(echo "$mibCount / $mibSeconds" | bc -l)" "$mibCount" \
       "$scalarUs" "$firstUs" "$lastUs" "$nextUs" \
       "$(echo "$rss / 1024" | bc -l)" "$(echo "($rss - $baseRss) / $total" | bc -l)"
+    awk '{ name = $1; for (i = 2; i <= NF - 2; ++i) name = name " " $i
+           printf "    %-30s %8.2f s %9d vb %9.0f vb/s\n", name, $(NF - 1), $NF, ($(NF - 1) > 0 ? $NF / $(NF - 1) : 0) }' \
+      "$work/split-best"
     stopStarted
   done
 done

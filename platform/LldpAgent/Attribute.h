@@ -146,6 +146,13 @@ typename C::mapped_type entryAt(C const& entries, typename C::key_type const& ke
 template <class C, class N, class K>
 void entryIs(Zet::PtrInterface const& notifier, C& entries, K const& key, typename C::mapped_type const& value,
              CollectionSlots<N, K> const& slots) {
+  if constexpr (requires { entries.reserve(std::size_t{1}); }) {
+    // A hashed map's first insertion would take 13 buckets, and most of a
+    // neighbour's maps hold an entry or two: start with two.
+    if (entries.bucket_count() == 1) {
+      entries.reserve(1);
+    }
+  }
   auto const [it, inserted] = entries.try_emplace(key, value);
   if (!inserted) {
     if (sameValue(it->second, value)) {

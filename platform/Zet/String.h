@@ -22,9 +22,9 @@ class String {
 
   // Never null: the empty string gives "".
   char const* charPtr() const;
-  std::string_view view() const { return rep_ ? std::string_view(rep_->bytes) : std::string_view(); }
+  std::string_view view() const { return rep_ ? std::string_view(rep_->data(), rep_->size) : std::string_view(); }
   std::string stdString() const { return std::string(view()); }
-  std::size_t size() const { return rep_ ? rep_->bytes.size() : 0; }
+  std::size_t size() const { return rep_ ? rep_->size : 0; }
   bool empty() const { return size() == 0; }
   IteratorConst begin() const { return view().begin(); }
   IteratorConst end() const { return view().end(); }
@@ -34,9 +34,16 @@ class String {
   friend String operator+(String const& a, std::string_view b);
 
  private:
+  // The bytes follow the count in the one block, with a terminating NUL: a
+  // string is a single allocation, the size of its bytes and a few words.
   struct Rep : PtrInterface {
-    explicit Rep(std::string_view b) : bytes(b) {}
-    std::string const bytes;
+    static Rep* make(std::string_view bytes);
+    char const* data() const { return reinterpret_cast<char const*>(this + 1); }
+    std::size_t const size;
+
+   private:
+    explicit Rep(std::size_t n) : size(n) {}
+    void handleZeroRef() const override;
   };
   Ptr<Rep const> rep_;
 };

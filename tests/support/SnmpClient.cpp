@@ -99,21 +99,31 @@ Response exchange(void* session, netsnmp_pdu* pdu) {
   }
   return r;
 }
-}  // namespace
 
-Response SnmpClient::get(std::vector<std::string> const& oids) {
-  auto* pdu = snmp_pdu_create(SNMP_MSG_GET);
+netsnmp_pdu* requestOf(int command, std::vector<std::string> const& oids) {
+  auto* pdu = snmp_pdu_create(command);
   for (auto const& text : oids) {
     auto const name = parseOid(text);
     snmp_add_null_var(pdu, name.data(), name.size());
   }
-  return exchange(session_, pdu);
+  return pdu;
+}
+}  // namespace
+
+Response SnmpClient::get(std::vector<std::string> const& oids) {
+  return exchange(session_, requestOf(SNMP_MSG_GET, oids));
 }
 
-Response SnmpClient::getNext(std::string const& text) {
-  auto* pdu = snmp_pdu_create(SNMP_MSG_GETNEXT);
-  auto const name = parseOid(text);
-  snmp_add_null_var(pdu, name.data(), name.size());
+Response SnmpClient::getNext(std::string const& text) { return getNext(std::vector<std::string>{text}); }
+
+Response SnmpClient::getNext(std::vector<std::string> const& oids) {
+  return exchange(session_, requestOf(SNMP_MSG_GETNEXT, oids));
+}
+
+Response SnmpClient::getBulk(std::vector<std::string> const& oids, long nonRepeaters, long maxRepetitions) {
+  auto* pdu = requestOf(SNMP_MSG_GETBULK, oids);
+  pdu->non_repeaters = nonRepeaters;
+  pdu->max_repetitions = maxRepetitions;
   return exchange(session_, pdu);
 }
 

@@ -33,6 +33,9 @@ class SnmpClient {
 
   Response get(std::vector<std::string> const& oids);
   Response getNext(std::string const& oid);
+  // One PDU for the whole list.
+  Response getNext(std::vector<std::string> const& oids);
+  Response getBulk(std::vector<std::string> const& oids, long nonRepeaters, long maxRepetitions);
   // SET of one INTEGER value.
   Response setInteger(std::string const& oid, long value);
   // GETNEXT from `subtree` until the answer leaves it; at most `limit` steps.
