@@ -45,6 +45,9 @@ SnmpAgent::SnmpAgent(AgentOptions const& options) : options_(options) {
     snmp_register_callback(SNMP_CALLBACK_APPLICATION, SNMPD_CALLBACK_INDEX_START, &SnmpAgent::onIndexStart, this);
   } else {
     netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_PORTS, options_.listen.c_str());
+    // A master would also open SMUX on TCP port 199 of every address; it listens only where it is told.
+    std::string noSmux = "-smux";
+    add_to_init_list(noSmux.data());
   }
   if (!options_.config.empty()) {
     netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, options_.config.c_str());

@@ -11,6 +11,7 @@
 
 #include "AgentOptions.h"
 #include "DesiredState.h"
+#include "DeviceMibs.h"
 #include "OperatorLog.h"
 #include "Plugin.h"
 #include "PortDriver.h"
@@ -68,6 +69,7 @@ int run(AgentOptions const& options) {
   auto state = readState(options);
   Signals signals;
   SnmpAgent agent(options);
+  DeviceMibs device(!options.agentx);
   // TimeTicks count from sysUpTime 0 of whoever answers the manager: a master
   // that restarts starts them again.
   agent.masterSessionOpenedIs([] { Snmp::uptimeOriginIs(SnmpAgent::uptimeOrigin()); });
@@ -87,12 +89,14 @@ int run(AgentOptions const& options) {
   Statebase::entityIs(SnmpUtil::snmpConfigPath, snmpConfig);
   Reconciler reconciler;
   OperatorLog::applied("state loaded", reconciler.apply(state));
+  device.apply(state);
   // The tables find the mirror at registration, and the LldpSm hands it over at
   // its first scan: both come before the plug-in's modules.
   PortDriver ports;
   ports.follow(reconciler);
   Plugin plugin(options.plugin.empty() ? Plugin::defaultPath() : options.plugin);
   plugin.initModules("");
+  device.announceLldpModules();
   std::cout << program << ": serving the LLDP-MIB " << servedWhere(options) << std::endl;
 
   bool stop = false;
@@ -113,6 +117,7 @@ int run(AgentOptions const& options) {
             DesiredState const next = loadScenarioFile(options.scenario);
             double const lastNotification = ports.lldpSm()->lastNotificationTime();
             auto const report = reconciler.apply(next);
+            device.apply(next);
             OperatorLog::applied("reload applied", report);
             // The notification goes out inside the apply, or not at all.
             if (report.remTablesLastChangeTimeMoved && ports.lldpSm()->lastNotificationTime() == lastNotification) {
