@@ -7,6 +7,7 @@ packages=(
   nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   python3-jsonschema
+  libsnmp-info-perl
 )
 missing=()
 for p in "${packages[@]}"; do
