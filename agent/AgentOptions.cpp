@@ -108,6 +108,8 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
       "state: a scenario file, a built-in demo switch, or the live state of lldpd.",
       "lldp-snmp-agent"};
   app.get_formatter()->column_width(34);
+  app.set_version_flag("--version", std::string("lldp-snmp-agent ") + LLDP_SNMP_AGENT_VERSION,
+                       "Print the version and exit");
   app.footer(traceHelp());
   app.add_option("--listen", o.listen, "Address to serve SNMP on, in net-snmp transport syntax")
       ->type_name("ADDR")

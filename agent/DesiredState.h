@@ -14,6 +14,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "Bridging/VlanId.h"
@@ -33,6 +34,7 @@
 #include "LldpAgent/UnknownTlv.h"
 #include "LldpAgent/VlanName.h"
 #include "Ondo/IntfId.h"
+#include "Snmp/ObjectIdentifier.h"
 #include "Zet/String.h"
 
 // Lldp::Config; the initial values are the LLDP-MIB's DEFVALs.
@@ -149,6 +151,21 @@ struct DesiredPortStatus {
   friend bool operator==(DesiredPortStatus const&, DesiredPortStatus const&) = default;
 };
 
+// The interface behind a port, for IF-MIB's ifTable and ifXTable (master
+// mode only). The enumerations hold IF-MIB's numbers.
+struct DesiredInterface {
+  std::optional<std::string> ifDescr;  // empty: the port's name
+  std::int32_t ifType = 6;             // IANAifType ethernetCsmacd
+  std::int32_t ifMtu = 1500;
+  std::uint64_t speed = 0;             // bits per second; 0: unknown
+  std::optional<Zet::String> physAddress;  // empty: the port ID when it is a MAC address
+  std::string ifAlias;
+  std::int32_t adminStatus = 1;              // up
+  std::optional<std::int32_t> operStatus;    // empty: as adminStatus, up or down
+
+  friend bool operator==(DesiredInterface const&, DesiredInterface const&) = default;
+};
+
 // One port: its name and the number the MIB shows for it are paired here and
 // nowhere else.
 struct DesiredPort {
@@ -158,8 +175,22 @@ struct DesiredPort {
   DesiredLocalPort localPort;
   DesiredPortStatus portStatus;
   std::vector<DesiredNeighbor> neighbors;  // indexes unique within the port
+  DesiredInterface interface;
 
   friend bool operator==(DesiredPort const&, DesiredPort const&) = default;
+};
+
+// SNMPv2-MIB's system group (master mode only). Empty: worked out from the
+// local system where it can be, else net-snmp's value (or --config's).
+struct DesiredSystem {
+  std::optional<std::string> sysDescr;
+  std::optional<Snmp::ObjectIdentifier> sysObjectID;
+  std::optional<std::string> sysContact;
+  std::optional<std::string> sysName;
+  std::optional<std::string> sysLocation;
+  std::optional<std::int32_t> sysServices;
+
+  friend bool operator==(DesiredSystem const&, DesiredSystem const&) = default;
 };
 
 struct DesiredState {
@@ -167,6 +198,7 @@ struct DesiredState {
   DesiredStatus status;
   DesiredLocalSystem localSystem;
   std::vector<DesiredPort> ports;  // names and numbers unique
+  DesiredSystem system;
 
   friend bool operator==(DesiredState const&, DesiredState const&) = default;
 };

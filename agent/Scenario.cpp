@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstddef>
@@ -801,6 +802,103 @@ Lldp::PowerViaMdiInfo readPowerViaMdiInfo(Node const& node) {
   return info;
 }
 
+// A DisplayString of SNMPv2-TC: printable text, at most 255 bytes.
+std::string readDisplayString(Node const& node) {
+  constexpr std::size_t maxBytes = 255;
+  std::string const text = readString(node);
+  bool const printable = std::ranges::none_of(
+      text, [](char const c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; });
+  if (text.size() > maxBytes || !printable) {
+    refuse(node, "a text of at most 255 bytes without control characters");
+  }
+  return text;
+}
+
+// An enumeration of a MIB module that the LLDP agent's types do not know.
+struct NamedNumbers {
+  std::string_view typeName;
+  std::vector<std::pair<std::string_view, std::int32_t>> names;
+};
+
+// The IANAifType values a port is likely to be; any other goes as a number.
+NamedNumbers const ifTypeNames{"IANAifType",
+                               {{"other", 1},
+                                {"ethernetCsmacd", 6},
+                                {"softwareLoopback", 24},
+                                {"propVirtual", 53},
+                                {"ieee80211", 71},
+                                {"tunnel", 131},
+                                {"l2vlan", 135},
+                                {"ieee8023adLag", 161},
+                                {"bridge", 209}}};
+NamedNumbers const ifAdminStatusNames{"ifAdminStatus", {{"up", 1}, {"down", 2}, {"testing", 3}}};
+NamedNumbers const ifOperStatusNames{"ifOperStatus",
+                                     {{"up", 1},
+                                      {"down", 2},
+                                      {"testing", 3},
+                                      {"unknown", 4},
+                                      {"dormant", 5},
+                                      {"notPresent", 6},
+                                      {"lowerLayerDown", 7}}};
+
+std::int32_t readNamedNumber(Node const& node, NamedNumbers const& named) {
+  if (node.json().is_number()) {
+    return readInt<std::int32_t>(node);
+  }
+  std::string const name = readString(node);
+  std::string names;
+  for (auto const& [known, value] : named.names) {
+    if (known == name) {
+      return value;
+    }
+    names += (names.empty() ? "" : ", ") + std::string(known);
+  }
+  refuse(node, "a number or one of the " + std::string(named.typeName) + " names " + names);
+}
+
+DesiredSystem readSystem(Node const& node) {
+  DesiredSystem system;
+  Object object(node);
+  readInto(object, "sysDescr", system.sysDescr, readDisplayString);
+  readInto(object, "sysObjectID", system.sysObjectID, [](Node const& n) {
+    std::string const text = readString(n);
+    try {
+      auto oid = Snmp::ObjectIdentifier::fromDotted(text);
+      if (oid.size() >= 2) {
+        return oid;
+      }
+    } catch (Zet::ParseException const&) {
+    }
+    refuse(n, "a dotted object identifier such as \"1.3.6.1.4.1.8072.3.2.10\"");
+  });
+  readInto(object, "sysContact", system.sysContact, readDisplayString);
+  readInto(object, "sysName", system.sysName, readDisplayString);
+  readInto(object, "sysLocation", system.sysLocation, readDisplayString);
+  readInto(object, "sysServices", system.sysServices,
+           [](Node const& n) { return static_cast<std::int32_t>(readInteger(n, 0, 127)); });
+  object.finish();
+  return system;
+}
+
+DesiredInterface readInterface(Node const& node) {
+  DesiredInterface interface;
+  Object object(node);
+  readInto(object, "ifDescr", interface.ifDescr, readDisplayString);
+  readInto(object, "ifType", interface.ifType, [](Node const& n) { return readNamedNumber(n, ifTypeNames); });
+  readInto(object, "ifMtu", interface.ifMtu, readInt<std::int32_t>);
+  readInto(object, "speed", interface.speed, [](Node const& n) {
+    return static_cast<std::uint64_t>(readInteger(n, 0, std::numeric_limits<std::int64_t>::max()));
+  });
+  readInto(object, "physAddress", interface.physAddress, [](Node const& n) { return readIdentifier(n, true); });
+  readInto(object, "ifAlias", interface.ifAlias, readDisplayString);
+  readInto(object, "adminStatus", interface.adminStatus,
+           [](Node const& n) { return readNamedNumber(n, ifAdminStatusNames); });
+  readInto(object, "operStatus", interface.operStatus,
+           [](Node const& n) { return readNamedNumber(n, ifOperStatusNames); });
+  object.finish();
+  return interface;
+}
+
 DesiredNeighbor readNeighbor(Node const& node, std::size_t position) {
   DesiredNeighbor neighbor;
   neighbor.index = static_cast<std::int32_t>(position + 1);
@@ -878,6 +976,7 @@ DesiredPort readPort(Node const& node, std::size_t position) {
   readInto(object, "config", port.config, readPortConfig);
   readInto(object, "localPort", port.localPort, readLocalPort);
   readInto(object, "portStatus", port.portStatus, readPortStatus);
+  readInto(object, "interface", port.interface, readInterface);
   if (auto const neighbors = object.take("neighbors")) {
     UniqueKeys<std::int32_t> indexes;
     UniqueKeys<Lldp::RemoteSystemMsap> msaps;
@@ -922,6 +1021,7 @@ DesiredState readState(Node const& node) {
   readInto(object, "status", state.status, readStatus);
   readInto(object, "localSystem", state.localSystem, readLocalSystem);
   readInto(object, "ports", state.ports, readPorts);
+  readInto(object, "system", state.system, readSystem);
   object.finish();
   return state;
 }

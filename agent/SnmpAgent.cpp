@@ -1,5 +1,7 @@
 #include "SnmpAgent.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -30,6 +32,38 @@ void rememberConfigLine(std::string const& line) {
   text.push_back('\0');
   netsnmp_config_remember(text.data());
 }
+// Where net-snmp keeps its persistent state: --persistent-dir, else
+// SNMP_PERSISTENT_DIR (net-snmp reads it itself: empty here), else systemd's
+// StateDirectory=, else a directory of this program that its user may write,
+// never net-snmp's /var/lib/snmp, which belongs to snmpd.
+std::string persistentDirectory(std::string const& given) {
+  namespace fs = std::filesystem;
+  auto const environment = [](char const* name) {
+    char const* const value = std::getenv(name);
+    return value ? std::string(value) : std::string();
+  };
+  if (!given.empty()) {
+    // net-snmp would make a relative path's folders from the file system's root.
+    return fs::absolute(given).lexically_normal().string();
+  }
+  if (!environment("SNMP_PERSISTENT_DIR").empty()) {
+    return "";
+  }
+  if (std::string const state = environment("STATE_DIRECTORY"); !state.empty()) {
+    return state.substr(0, state.find(':'));  // the first, should the unit name several
+  }
+  if (geteuid() == 0) {
+    return "/var/lib/lldp-snmp-agent";
+  }
+  if (std::string const xdg = environment("XDG_STATE_HOME"); !xdg.empty()) {
+    return (fs::path(xdg) / "lldp-snmp-agent").string();
+  }
+  if (std::string const home = environment("HOME"); !home.empty()) {
+    return (fs::path(home) / ".local/state/lldp-snmp-agent").string();
+  }
+  return (fs::temp_directory_path() / ("lldp-snmp-agent-" + std::to_string(geteuid()))).string();
+}
+
 }  // namespace
 
 SnmpAgent::SnmpAgent(AgentOptions const& options) : options_(options) {
@@ -45,13 +79,14 @@ SnmpAgent::SnmpAgent(AgentOptions const& options) : options_(options) {
     snmp_register_callback(SNMP_CALLBACK_APPLICATION, SNMPD_CALLBACK_INDEX_START, &SnmpAgent::onIndexStart, this);
   } else {
     netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_PORTS, options_.listen.c_str());
+    // A master would also open SMUX on TCP port 199 of every address; it listens only where it is told.
+    std::string noSmux = "-smux";
+    add_to_init_list(noSmux.data());
   }
   if (!options_.config.empty()) {
     netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_OPTIONALCONFIG, options_.config.c_str());
   }
-  if (!options_.persistentDir.empty()) {
-    // net-snmp would make a relative path's folders from the file system's root.
-    std::string const dir = std::filesystem::absolute(options_.persistentDir).lexically_normal().string();
+  if (std::string const dir = persistentDirectory(options_.persistentDir); !dir.empty()) {
     netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_PERSISTENT_DIR, dir.c_str());
   }
   // The agent needs no MIB files, and most of net-snmp's default list is not installed.

@@ -8,6 +8,7 @@
 void StateWriter::write(DesiredState const& state, std::string const& occasion, bool recordUnchanged) {
   double const lastNotification = lldpSm_->lastNotificationTime();
   auto const report = reconciler_.apply(state);
+  device_.apply(state);
   if (recordUnchanged || !OperatorLog::unchanged(report)) {
     OperatorLog::applied(occasion, report);
   }

@@ -1,21 +1,23 @@
 #pragma once
 // The one way a feed writes a whole LLDP state once the agent serves: through
-// the Reconciler, with a line for operators per write (OperatorLog) and one
-// when the notification that the change could raise is held back.
+// the Reconciler and the device's system and interface objects, with a line
+// for operators per write (OperatorLog) and one when the notification that the
+// change could raise is held back.
 
 #include <string>
 
 #include "DesiredState.h"
+#include "DeviceMibs.h"
 #include "LldpSm.h"
 #include "Reconciler.h"
 #include "Zet/Ptr.h"
 
 class StateWriter {
  public:
-  // `reconciler` must outlive this and have applied the first state; `lldpSm`
-  // is the plug-in's, whose last notification tells a held-back one.
-  StateWriter(Reconciler& reconciler, Zet::Ptr<Lldp::Snmp::LldpSm> lldpSm)
-      : reconciler_(reconciler), lldpSm_(std::move(lldpSm)) {}
+  // `reconciler` and `device` must outlive this and have taken the first
+  // state; `lldpSm` is the plug-in's, whose last notification tells a held-back one.
+  StateWriter(Reconciler& reconciler, Zet::Ptr<Lldp::Snmp::LldpSm> lldpSm, DeviceMibs& device)
+      : reconciler_(reconciler), lldpSm_(std::move(lldpSm)), device_(device) {}
 
   // `occasion` names the write in the log ("reload applied"). A write that
   // changed no port or neighbour is recorded only when `recordUnchanged`.
@@ -26,4 +28,5 @@ class StateWriter {
  private:
   Reconciler& reconciler_;
   Zet::Ptr<Lldp::Snmp::LldpSm> lldpSm_;
+  DeviceMibs& device_;
 };

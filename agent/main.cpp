@@ -13,6 +13,7 @@
 
 #include "AgentOptions.h"
 #include "DesiredState.h"
+#include "DeviceMibs.h"
 #include "OperatorLog.h"
 #include "Plugin.h"
 #include "PortDriver.h"
@@ -80,6 +81,7 @@ int run(AgentOptions const& options) {
   }
   Signals signals;
   SnmpAgent agent(options);
+  DeviceMibs device(!options.agentx);
   // TimeTicks count from sysUpTime 0 of whoever answers the manager: a master
   // that restarts starts them again.
   agent.masterSessionOpenedIs([] { Snmp::uptimeOriginIs(SnmpAgent::uptimeOrigin()); });
@@ -98,16 +100,21 @@ int run(AgentOptions const& options) {
   }
   Statebase::entityIs(SnmpUtil::snmpConfigPath, snmpConfig);
   Reconciler reconciler;
-  OperatorLog::applied("state loaded", reconciler.apply(feed->initialState()));
+  {
+    DesiredState const first = feed->initialState();
+    OperatorLog::applied("state loaded", reconciler.apply(first));
+    device.apply(first);
+  }
   // The tables find the mirror at registration, and the LldpSm hands it over at
   // its first scan: both come before the plug-in's modules.
   PortDriver ports;
   ports.follow(reconciler);
-  StateWriter writer(reconciler, ports.lldpSm());
+  StateWriter writer(reconciler, ports.lldpSm(), device);
   feed->follow(writer);
   Plugin plugin(options.plugin.empty() ? Plugin::defaultPath() : options.plugin);
   plugin.initModules("");
   returnFreedHeap();
+  device.announceLldpModules();
   std::cout << program << ": serving the LLDP-MIB " << servedWhere(options) << std::endl;
 
   bool stop = false;

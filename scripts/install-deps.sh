@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   python3-jsonschema
   lldpd liblldpctl-dev iproute2 util-linux python3
+  libsnmp-info-perl
 )
 missing=()
 for p in "${packages[@]}"; do

@@ -41,6 +41,11 @@ int onRegistration(int, int, void* serverArgument, void*) {
   while (last->next) {
     last = last->next;
   }
+  // net-snmp's helpers that keep the data themselves (watchers, data sets)
+  // end in a handler with nothing to call: no module code to guard there.
+  if (!last->access_method) {
+    return SNMPERR_SUCCESS;
+  }
   netsnmp_mib_handler* const frame = netsnmp_create_handler(frameName, frameHandler);
   if (netsnmp_inject_handler_before(reginfo, frame, last->handler_name) != SNMPERR_SUCCESS) {
     netsnmp_handler_free(frame);

@@ -33,8 +33,9 @@ std::string replaced(std::string text, std::string const& from, std::string cons
 }
 
 // Each row of data/command-lines.json gives the arguments, the exit code and
-// all the run writes. "@SOURCE@" stands for the source tree, "@FILE@" for a
-// file that holds the row's "scenario" (or its "text", where JSON cannot hold it).
+// all the run writes. "@SOURCE@" stands for the source tree, "@VERSION@" for
+// the project's version, "@FILE@" for a file that holds the row's "scenario"
+// (or its "text", where JSON cannot hold it).
 TEST(CommandLine, EachRunEndsWithItsExitCodeAndOutput) {
   std::ifstream table(std::filesystem::path(LLDP_SNMP_SOURCE_DIR) / "tests/agent/data/command-lines.json");
   auto const rows = nlohmann::json::parse(table);
@@ -49,7 +50,8 @@ TEST(CommandLine, EachRunEndsWithItsExitCodeAndOutput) {
       writeFile(file, row["text"].get<std::string>());
     }
     auto const expand = [&](std::string const& text) {
-      return replaced(replaced(text, "@SOURCE@", LLDP_SNMP_SOURCE_DIR), "@FILE@", file);
+      return replaced(replaced(replaced(text, "@SOURCE@", LLDP_SNMP_SOURCE_DIR), "@FILE@", file), "@VERSION@",
+                      LLDP_SNMP_VERSION);
     };
     std::vector<std::string> arguments;
     for (auto const& argument : row["arguments"]) {

@@ -1,5 +1,6 @@
 #include "AgentProcess.h"
 
+#include <arpa/inet.h>
 #include <fcntl.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -10,12 +11,16 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include <net-snmp/net-snmp-config.h>
 #include <net-snmp/net-snmp-includes.h>
@@ -267,4 +272,92 @@ void MasterSnmpd::stop() {
   }
   stopChild(pid_, SIGTERM);
   pid_ = -1;
+}
+
+SubagentSnmpd::SubagentSnmpd(std::string agentxSocket)
+    : agentxSocket_(std::move(agentxSocket)), directory_(makeTempDirectory()) {
+  std::filesystem::create_directory(directory_ + "/persistent");
+  writeFile(directory_ + "/snmpd.conf", "agentXSocket " + agentxSocket_ + "\nagentxPingInterval 1\n");
+  start();
+}
+
+SubagentSnmpd::~SubagentSnmpd() {
+  stop();
+  std::error_code ec;
+  std::filesystem::remove_all(directory_, ec);
+}
+
+void SubagentSnmpd::start() {
+  std::vector<std::string> words{"/usr/bin/env",
+                                 "SNMP_PERSISTENT_DIR=" + directory_ + "/persistent",
+                                 "MIBS=",
+                                 "/usr/sbin/snmpd",
+                                 "-f",
+                                 "-X",
+                                 "-C",
+                                 "-c",
+                                 directory_ + "/snmpd.conf",
+                                 "-Le"};
+  pid_ = spawn(words, directory_ + "/stderr");
+}
+
+void SubagentSnmpd::stop() {
+  if (pid_ <= 0) {
+    return;
+  }
+  kill(pid_, SIGTERM);
+  int status = waitFor(pid_, 10.0);
+  if (status == -1) {
+    kill(pid_, SIGKILL);
+    waitpid(pid_, &status, 0);
+  }
+  pid_ = -1;
+}
+
+std::vector<std::string> listeningSockets(pid_t pid) {
+  // The inodes of the process's sockets.
+  std::set<std::string> inodes;
+  std::error_code ec;
+  for (auto const& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/fd", ec)) {
+    std::string const target = std::filesystem::read_symlink(entry.path(), ec).string();
+    if (target.starts_with("socket:[")) {
+      inodes.insert(target.substr(8, target.size() - 9));
+    }
+  }
+  // Listening TCP is state 0A; a UDP socket that serves is unconnected, 07.
+  std::vector<std::string> sockets;
+  for (std::string const protocol : {"tcp", "tcp6", "udp", "udp6"}) {
+    std::ifstream table("/proc/net/" + protocol);
+    std::string line;
+    std::getline(table, line);  // the heading
+    while (std::getline(table, line)) {
+      std::istringstream fields(line);
+      std::string slot, local, remote, state, queues, timer, retransmits, uid, timeout, inode;
+      fields >> slot >> local >> remote >> state >> queues >> timer >> retransmits >> uid >> timeout >> inode;
+      bool const serving = protocol.starts_with("tcp") ? state == "0A" : state == "07";
+      if (!serving || !inodes.contains(inode)) {
+        continue;
+      }
+      // The address is in hex, in the host's byte order for IPv4; the port in hex.
+      auto const colon = local.find(':');
+      std::string const hexAddress = local.substr(0, colon);
+      int const port = std::stoi(local.substr(colon + 1), nullptr, 16);
+      std::string address;
+      if (hexAddress.size() == 8) {
+        in_addr a{static_cast<in_addr_t>(std::stoul(hexAddress, nullptr, 16))};
+        address = inet_ntoa(a);
+      } else {
+        in6_addr a{};
+        for (int word = 0; word < 4; ++word) {
+          auto const value = static_cast<std::uint32_t>(std::stoul(hexAddress.substr(word * 8, 8), nullptr, 16));
+          std::memcpy(&a.s6_addr[word * 4], &value, 4);
+        }
+        std::array<char, INET6_ADDRSTRLEN> text{};
+        inet_ntop(AF_INET6, &a, text.data(), text.size());
+        address = "[" + std::string(text.data()) + "]";
+      }
+      sockets.push_back(protocol + " " + address + ":" + std::to_string(port));
+    }
+  }
+  return sockets;
 }

@@ -24,6 +24,7 @@ class AgentProcess {
   // Where a manager asks: the agent, or its master.
   std::string peer() const { return "udp:127.0.0.1:" + std::to_string(port_); }
   int port() const { return port_; }
+  pid_t pid() const { return pid_; }
   // Sends `signal` and returns at once (SIGHUP: re-read the scenario).
   void sendSignal(int signal) const;
   // Sends `signal`; waits (bounded) for the process to end and gives its wait status.
@@ -63,6 +64,29 @@ class MasterSnmpd {
   pid_t pid_ = -1;
   std::string directory_;
 };
+
+// A private snmpd as an AgentX sub-agent (snmpd -X) of the master at
+// `agentxSocket`, pinging it every second; stopped when the object goes.
+// Its objects (the host resources, UCD objects, ...) answer through that master.
+class SubagentSnmpd {
+ public:
+  explicit SubagentSnmpd(std::string agentxSocket);
+  ~SubagentSnmpd();
+  SubagentSnmpd(SubagentSnmpd const&) = delete;
+  SubagentSnmpd& operator=(SubagentSnmpd const&) = delete;
+
+  void start();
+  void stop();
+
+ private:
+  std::string agentxSocket_;
+  pid_t pid_ = -1;
+  std::string directory_;
+};
+
+// The TCP and UDP sockets that process `pid` listens on (or holds unconnected),
+// as "udp 127.0.0.1:1161" or "tcp6 [::]:199", from /proc/net.
+std::vector<std::string> listeningSockets(pid_t pid);
 
 // Runs the agent to its end with `arguments` (no --listen added) and gives the
 // exit code and what it wrote; for runs that must end at start.

@@ -12,13 +12,23 @@ struct Expected {
   int type;
   long integer;      // INTEGER, Gauge32, Counter32, TimeTicks, compared as 32 bits
   std::string text;  // the bytes of an OCTET STRING, the dotted value of an OBJECT IDENTIFIER
+  bool anyValue = false;  // only the type is compared: a value that moves, such as a time
 };
 
 struct Table {
-  char const* name;
+  std::string name;
   std::string oid;
   std::vector<Expected> rows;
 };
+
+// The tables of a golden file (JSON):
+//   {"tables": [{"name": "ifTable", "oid": "1.3.6.1.2.1.2.2",
+//                "rows": [["1.3.6.1.2.1.2.2.1.1.1", "INTEGER", 1],
+//                         ["1.3.6.1.2.1.2.2.1.6.1", "OCTET STRING", {"hex": "020000000001"}],
+//                         ["1.3.6.1.2.1.1.3.0", "TimeTicks", null]]}]}
+// A value is a number, a text, {"hex": ...} for other bytes, a dotted OID, or
+// null for any value of the type. Types are named as snmpwalk names them.
+std::vector<Table> readGoldenTables(std::string const& path);
 
 // One failure per mismatching part, naming the OID.
 void expectValue(VarBind const& got, Expected const& want);
