@@ -13,6 +13,7 @@
 #include "DesiredState.h"
 #include "OperatorLog.h"
 #include "Plugin.h"
+#include "MirrorDump.h"
 #include "PortDriver.h"
 #include "Reconciler.h"
 #include "Ringlog/Ringlog.h"
@@ -56,9 +57,12 @@ std::string servedWhere(AgentOptions const& options) {
                                                                      : *options.agentx);
 }
 
-void writeRinglog(AgentOptions const& options) {
+void writeDumps(AgentOptions const& options, PortDriver const& ports) {
   if (!options.ringlog.empty() && !Ringlog::dumpToFile(options.ringlog)) {
     std::cerr << program << ": cannot write the ring log to " << options.ringlog << std::endl;
+  }
+  if (!options.mirrorDump.empty() && !MirrorDump::writeToFile(options.mirrorDump, *ports.root())) {
+    std::cerr << program << ": cannot write the mirror to " << options.mirrorDump << std::endl;
   }
 }
 
@@ -116,7 +120,7 @@ int run(AgentOptions const& options) {
           feed->reload();
           break;
         case SIGUSR1:
-          writeRinglog(options);
+          writeDumps(options, ports);
           break;
         default:
           break;
@@ -124,7 +128,7 @@ int run(AgentOptions const& options) {
     }
   }
   plugin.unregisterModules();
-  writeRinglog(options);
+  writeDumps(options, ports);
   return 0;
 }
 
