@@ -5,6 +5,7 @@
 // lists, and, when its first scan is done, hands the mirror to the SNMP side.
 // Ports and their state machines come from the host, not from here.
 
+#include "Zet/ZetType.h"
 #include <utility>
 
 #include "Interface/EthPortId.h"
@@ -28,6 +29,8 @@ class LldpSm : public Zet::PtrInterface {
   struct Passkey {};
 
  public:
+  static Zet::ZetType const _zetType;
+  Zet::ZetType const* fwkType() const override { return &_zetType; }
   class ZetStatus;
   class ZetLocalSystem;
 

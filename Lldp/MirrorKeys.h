@@ -16,6 +16,7 @@
 #include "LldpAgent/ManagementAddress.h"
 #include "LldpAgent/Oui.h"
 #include "Zet/String.h"
+#include "Zet/ZetType.h"
 
 namespace Lldp::Snmp {
 
@@ -23,6 +24,8 @@ namespace Lldp::Snmp {
 struct RemoteSystemKey {
   Interface::EthPortId ethPortId;
   std::int32_t index = 0;
+
+  static Zet::ZetType const _zetType;
 
   RemoteSystemKey() = default;
   RemoteSystemKey(Interface::EthPortId ethPortId, std::int32_t index);
@@ -41,6 +44,8 @@ struct RemoteManagementAddressKey {
   std::int32_t index = 0;
   Lldp::ManagementAddress::Key manAddrKey;
 
+  static Zet::ZetType const _zetType;
+
   RemoteManagementAddressKey() = default;
   RemoteManagementAddressKey(Interface::EthPortId ethPortId, std::int32_t index,
                              Lldp::ManagementAddress::Key manAddrKey);
@@ -56,6 +61,8 @@ struct RemoteUnknownTlvKey {
   Interface::EthPortId ethPortId;
   std::int32_t index = 0;
   std::uint32_t type = 0;
+
+  static Zet::ZetType const _zetType;
 
   RemoteUnknownTlvKey() = default;
   RemoteUnknownTlvKey(Interface::EthPortId ethPortId, std::int32_t index, std::uint32_t type);
@@ -75,6 +82,8 @@ struct RemoteUnknownOrgDefTlvKey {
   std::uint32_t subtype = 0;
   std::int32_t unknownOrgDefTlvIndex = 0;
 
+  static Zet::ZetType const _zetType;
+
   RemoteUnknownOrgDefTlvKey() = default;
   RemoteUnknownOrgDefTlvKey(Interface::EthPortId ethPortId, std::int32_t index, Lldp::Oui oui, std::uint32_t subtype,
                             std::int32_t unknownOrgDefTlvIndex);
@@ -90,6 +99,8 @@ struct RemotePortAndProtocolVlanKey {
   Interface::EthPortId ethPortId;
   std::int32_t index = 0;
   Bridging::VlanIdOrNone portAndProtocolVlanId;
+
+  static Zet::ZetType const _zetType;
 
   RemotePortAndProtocolVlanKey() = default;
   RemotePortAndProtocolVlanKey(Interface::EthPortId ethPortId, std::int32_t index,
@@ -107,6 +118,8 @@ struct RemoteVlanNameKey {
   std::int32_t index = 0;
   Bridging::VlanId vlanId;
 
+  static Zet::ZetType const _zetType;
+
   RemoteVlanNameKey() = default;
   RemoteVlanNameKey(Interface::EthPortId ethPortId, std::int32_t index, Bridging::VlanId vlanId);
   RemoteVlanNameKey(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end);
@@ -121,6 +134,8 @@ struct RemoteProtocolIdentityInfoKey {
   Interface::EthPortId ethPortId;
   std::int32_t index = 0;
   std::int32_t protocolIndex = 0;
+
+  static Zet::ZetType const _zetType;
 
   RemoteProtocolIdentityInfoKey() = default;
   RemoteProtocolIdentityInfoKey(Interface::EthPortId ethPortId, std::int32_t index, std::int32_t protocolIndex);

@@ -23,6 +23,7 @@
 #include "Zet/Entity.h"
 #include "Zet/HashMap.h"
 #include "Zet/RbTreeMap.h"
+#include "Zet/ZetType.h"
 
 namespace Lldp::Snmp {
 
@@ -52,6 +53,8 @@ class Row : public Zet::Entity, public Zet::RbTreeNode {
 // One per port: lldpPortConfigTable and the two extensions' port configuration tables.
 class PortConfig : public Row<Interface::EthPortId, Lldp::PortConfig> {
  public:
+  static Zet::ZetType const _zetType;
+  Zet::ZetType const* fwkType() const override { return &_zetType; }
   PortConfig(Interface::EthPortId ethPortId, Zet::Ptr<Lldp::PortConfig const> ptr) : Row(ethPortId, std::move(ptr)) {}
   Interface::EthPortId ethPortId() const { return fwkKey(); }
 
@@ -67,6 +70,8 @@ class PortConfig : public Row<Interface::EthPortId, Lldp::PortConfig> {
 // One per port: lldpStatsTxPortTable and lldpStatsRxPortTable.
 class PortStatus : public Row<Interface::EthPortId, Lldp::PortStatus> {
  public:
+  static Zet::ZetType const _zetType;
+  Zet::ZetType const* fwkType() const override { return &_zetType; }
   PortStatus(Interface::EthPortId ethPortId, Zet::Ptr<Lldp::PortStatus const> ptr) : Row(ethPortId, std::move(ptr)) {}
   Interface::EthPortId ethPortId() const { return fwkKey(); }
 
@@ -83,6 +88,8 @@ class PortStatus : public Row<Interface::EthPortId, Lldp::PortStatus> {
 // One per port: lldpLocPortTable and the extensions' local port tables.
 class LocalPort : public Row<Interface::EthPortId, Lldp::LocalPort> {
  public:
+  static Zet::ZetType const _zetType;
+  Zet::ZetType const* fwkType() const override { return &_zetType; }
   LocalPort(Interface::EthPortId ethPortId, Zet::Ptr<Lldp::LocalPort const> ptr) : Row(ethPortId, std::move(ptr)) {}
   Interface::EthPortId ethPortId() const { return fwkKey(); }
 
@@ -99,6 +106,8 @@ class LocalPort : public Row<Interface::EthPortId, Lldp::LocalPort> {
 // One per neighbour: lldpRemTable and the extensions' per-neighbour tables.
 class RemoteSystem : public Row<RemoteSystemKey, Lldp::RemoteSystem> {
  public:
+  static Zet::ZetType const _zetType;
+  Zet::ZetType const* fwkType() const override { return &_zetType; }
   using Key = RemoteSystemKey;
   RemoteSystem(Key const& key, Zet::Ptr<Lldp::RemoteSystem const> ptr) : Row(key, std::move(ptr)) {}
   Key const& key() const { return fwkKey(); }
@@ -140,6 +149,8 @@ class RemoteSystem : public Row<RemoteSystemKey, Lldp::RemoteSystem> {
 // The ports that may send a local management address.
 class PortList : public Zet::Entity {
  public:
+  static Zet::ZetType const _zetType;
+  Zet::ZetType const* fwkType() const override { return &_zetType; }
   struct ZetPortId;
   using PortIds = Zet::HashMap2018<ZetPortId, std::uint16_t, Interface::EthPortId>;
 
@@ -162,6 +173,8 @@ class PortList : public Zet::Entity {
 // Unlike the other rows it holds a copy of the address record, not a pointer.
 class LocalManagementAddress : public Zet::Entity, public Zet::RbTreeNode {
  public:
+  static Zet::ZetType const _zetType;
+  Zet::ZetType const* fwkType() const override { return &_zetType; }
   using Key = Lldp::ManagementAddress::Key;
   explicit LocalManagementAddress(Key key) : key_(std::move(key)) {}
   ~LocalManagementAddress() override { portsTxEnableDel(); }

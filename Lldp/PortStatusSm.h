@@ -4,6 +4,7 @@
 // Root's remoteSystem and a RemoteSystemSm for the neighbour's sub-tables.
 // The port's counters need nothing here: the host's PortStatus row reads them.
 
+#include "Zet/ZetType.h"
 #include <cstdint>
 #include <type_traits>
 #include <utility>
@@ -26,6 +27,8 @@ class PortStatusSm : public Zet::PtrInterface {
   struct Passkey {};
 
  public:
+  static Zet::ZetType const _zetType;
+  Zet::ZetType const* fwkType() const override { return &_zetType; }
   class ZetPortStatus : public Reactor<PortStatusSm, Lldp::PortStatus> {
    public:
     using Reactor::Reactor;

@@ -28,6 +28,7 @@
 #include "Snmp/ObjectIdentifier.h"
 #include "Zet/Ptr.h"
 #include "Zet/String.h"
+#include "Zet/ZetType.h"
 
 namespace Lldp::Snmp {
 
@@ -63,6 +64,8 @@ struct RemoteRecord {
 // A row of lldpRemManAddrTable.
 struct RemoteManagementAddress : RemoteRecord<RemoteManagementAddressKey, Lldp::ManagementAddress> {
   using RemoteRecord::RemoteRecord;
+  static Zet::ZetType const _zetType;
+
   RemoteManagementAddress() = default;
   // Reads the text of valueToStrep; a value out of range raises under its field's name.
   RemoteManagementAddress(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end);
@@ -77,6 +80,8 @@ struct RemoteManagementAddress : RemoteRecord<RemoteManagementAddressKey, Lldp::
 // A row of lldpRemUnknownTLVTable.
 struct RemoteUnknownTlv : RemoteRecord<RemoteUnknownTlvKey, Lldp::UnknownTlv> {
   using RemoteRecord::RemoteRecord;
+  static Zet::ZetType const _zetType;
+
   RemoteUnknownTlv() = default;
   RemoteUnknownTlv(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end);
 
@@ -87,6 +92,8 @@ struct RemoteUnknownTlv : RemoteRecord<RemoteUnknownTlvKey, Lldp::UnknownTlv> {
 // A row of lldpRemOrgDefInfoTable.
 struct RemoteUnknownOrgDefTlv : RemoteRecord<RemoteUnknownOrgDefTlvKey, Lldp::UnknownOrgDefTlv> {
   using RemoteRecord::RemoteRecord;
+  static Zet::ZetType const _zetType;
+
   RemoteUnknownOrgDefTlv() = default;
   RemoteUnknownOrgDefTlv(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end);
 
@@ -99,6 +106,8 @@ struct RemoteUnknownOrgDefTlv : RemoteRecord<RemoteUnknownOrgDefTlvKey, Lldp::Un
 // A row of lldpXdot1RemProtoVlanTable.
 struct RemotePortAndProtocolVlan : RemoteRecord<RemotePortAndProtocolVlanKey, Lldp::PortAndProtocolVlan> {
   using RemoteRecord::RemoteRecord;
+  static Zet::ZetType const _zetType;
+
   RemotePortAndProtocolVlan() = default;
   RemotePortAndProtocolVlan(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end);
 
@@ -110,6 +119,8 @@ struct RemotePortAndProtocolVlan : RemoteRecord<RemotePortAndProtocolVlanKey, Ll
 // A row of lldpXdot1RemVlanNameTable.
 struct RemoteVlanName : RemoteRecord<RemoteVlanNameKey, Lldp::VlanName> {
   using RemoteRecord::RemoteRecord;
+  static Zet::ZetType const _zetType;
+
   RemoteVlanName() = default;
   RemoteVlanName(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end);
 
@@ -120,6 +131,8 @@ struct RemoteVlanName : RemoteRecord<RemoteVlanNameKey, Lldp::VlanName> {
 // A row of lldpXdot1RemProtocolTable.
 struct RemoteProtocolIdentityInfo : RemoteRecord<RemoteProtocolIdentityInfoKey, Lldp::ProtocolIdentityInfo> {
   using RemoteRecord::RemoteRecord;
+  static Zet::ZetType const _zetType;
+
   RemoteProtocolIdentityInfo() = default;
   RemoteProtocolIdentityInfo(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end);
 

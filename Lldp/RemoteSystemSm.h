@@ -5,6 +5,7 @@
 // collections, filed under the port and the neighbour's index, and keeps them
 // in step. The neighbour's scalar attributes need nothing: its row reads them.
 
+#include "Zet/ZetType.h"
 #include <cstdint>
 
 #include "Bridging/VlanId.h"
@@ -24,6 +25,8 @@ class RemoteSystemSm : public Zet::PtrInterface {
   struct Passkey {};
 
  public:
+  static Zet::ZetType const _zetType;
+  Zet::ZetType const* fwkType() const override { return &_zetType; }
   class ZetRemoteSystem : public Reactor<RemoteSystemSm, Lldp::RemoteSystem> {
    public:
     using Reactor::Reactor;

@@ -21,6 +21,7 @@
 #include "Zet/Entity.h"
 #include "Zet/HashMap.h"
 #include "Zet/RbTreeMap.h"
+#include "Zet/ZetType.h"
 
 #include <type_traits>
 #include <utility>
@@ -38,6 +39,8 @@ class ValueHolder : public Zet::PtrInterface, public Zet::RbTreeNode {
 
 class Root : public Zet::Entity {
  public:
+  static Zet::ZetType const _zetType;
+  Zet::ZetType const* fwkType() const override { return &_zetType; }
   using ZetRemoteManagementAddress = ValueHolder<RemoteManagementAddress>;
   using ZetRemoteUnknownTlv = ValueHolder<RemoteUnknownTlv>;
   using ZetRemoteUnknownOrgDefTlv = ValueHolder<RemoteUnknownOrgDefTlv>;

@@ -161,6 +161,8 @@ ParsedOptions parseAgentOptions(int argc, char const* const* argv) {
       ->type_name("LEVELS");
   app.add_option("--ringlog", o.ringlog, "Write the in-memory ring log to FILE at exit and on SIGUSR1")
       ->type_name("FILE");
+  app.add_option("--mirror-dump", o.mirrorDump, "Write the whole mirror to FILE at exit and on SIGUSR1")
+      ->type_name("FILE");
   app.add_option("--persistent-dir", o.persistentDir, "Directory for net-snmp's persistent state")
       ->type_name("DIR");
   bool noNotifications = false;

@@ -16,6 +16,7 @@ struct AgentOptions {
   std::string plugin;                  // empty: found beside the agent
   std::string trace;                   // "Snmp=2,LldpSnmp=8"
   std::string ringlog;                 // where the ring log is written at exit and on SIGUSR1
+  std::string mirrorDump;              // where the mirror is written at exit and on SIGUSR1
   std::string persistentDir;           // net-snmp's persistent state; empty: net-snmp's default
   bool notifications = true;           // false: no notification goes out (--no-notifications)
   double notificationDelay = 0.0;      // seconds lldpRemTablesChange is held back before it is sent

@@ -12,6 +12,9 @@
 // localPort. The driver follows the Reconciler and is told of each port at
 // those moments, inside the apply: only then can a port that leaves and comes
 // back under its name in one apply be told apart from one that stayed.
+//
+// The driver makes and drives the mirror through the plug-in's type
+// descriptions, by attribute name: it calls none of the mirror's operations itself.
 
 #include "LldpSm.h"
 #include "Reconciler.h"

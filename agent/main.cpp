@@ -16,6 +16,7 @@
 #include "DeviceMibs.h"
 #include "OperatorLog.h"
 #include "Plugin.h"
+#include "MirrorDump.h"
 #include "PortDriver.h"
 #include "Reconciler.h"
 #include "Ringlog/Ringlog.h"
@@ -63,9 +64,13 @@ std::string servedWhere(AgentOptions const& options) {
 // malloc would keep those pages, several times the state they described.
 void returnFreedHeap() { malloc_trim(0); }
 
-void writeRinglog(AgentOptions const& options) {
+void writeDumps(AgentOptions const& options, PortDriver const& ports) {
+
   if (!options.ringlog.empty() && !Ringlog::dumpToFile(options.ringlog)) {
     std::cerr << program << ": cannot write the ring log to " << options.ringlog << std::endl;
+  }
+  if (!options.mirrorDump.empty() && !MirrorDump::writeToFile(options.mirrorDump, *ports.root())) {
+    std::cerr << program << ": cannot write the mirror to " << options.mirrorDump << std::endl;
   }
 }
 
@@ -131,7 +136,7 @@ int run(AgentOptions const& options) {
           returnFreedHeap();
           break;
         case SIGUSR1:
-          writeRinglog(options);
+          writeDumps(options, ports);
           break;
         default:
           break;
@@ -139,7 +144,7 @@ int run(AgentOptions const& options) {
     }
   }
   plugin.unregisterModules();
-  writeRinglog(options);
+  writeDumps(options, ports);
   return 0;
 }
 

@@ -39,7 +39,7 @@ timeval secondsToTimeval(double seconds) {
 
 }  // namespace
 
-Zet::ZetType const TrapManager::_zetType{"Snmp::TrapManager", &newTrapManager};
+Zet::ZetType const TrapManager::_zetType{.name = "Snmp::TrapManager", .newEntity = &newTrapManager};
 
 void TrapManager::VarsDeleter::operator()(variable_list* vars) const { snmp_free_varbind(vars); }
 

@@ -15,6 +15,10 @@ class Entity : public PtrInterface {
 
   ~Entity() override { liveObjectsLeave(this); }
 
+  // Describes name, parent, parentAttrName, fullName and entity, which every entity inherits.
+  static ZetType const _zetType;
+  ZetType const* fwkType() const override { return &_zetType; }
+
   virtual Name name() const { return name_; }
   // The parent does not keep its children alive, nor they it: a member's
   // collection clears the link when it lets the member go.

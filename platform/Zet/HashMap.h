@@ -122,6 +122,7 @@ class HashMapBase {
     auto const it = table_.find(key);
     return it != table_.end() ? it->second : Mapped{};
   }
+  bool memberExists(Key const& key) const { return table_.find(key) != table_.end(); }
   // Inserts, or replaces the member with `key` and gives the replaced one back.
   Mapped newMember(Key const& key, Mapped const& member) {
     ++version_;

@@ -8,6 +8,8 @@
 
 namespace Zet {
 
+struct ZetType;
+
 // Process-wide switch: when set, reference counts are changed atomically.
 class VFPtrInterface {
  public:
@@ -22,6 +24,10 @@ class PtrInterface {
   PtrInterface(PtrInterface const&) = delete;
   PtrInterface& operator=(PtrInterface const&) = delete;
   virtual ~PtrInterface();
+
+  // The description of the object's class (see Zet/ZetType.h).
+  static ZetType const _zetType;
+  virtual ZetType const* fwkType() const { return &_zetType; }
 
   // Counting never fails; the object is released through handleZeroRef()
   // when the count falls to zero.
