@@ -21,8 +21,8 @@
 extern "C" void init_vacm_conf(void);
 
 namespace {
-// Without pings a sub-agent never notices that its master went and never
-// reconnects; agentxPingInterval in --config still wins.
+// How often a sub-agent pings its master and, once it has lost it, tries to
+// reconnect: sooner than net-snmp's 15 s; agentxPingInterval in --config still wins.
 constexpr int defaultAgentxPingSeconds = 5;
 
 // A directive parsed with the configuration files, as if it stood in one;
