@@ -87,6 +87,12 @@ int stopChild(pid_t pid, int signal) {
 
 }  // namespace
 
+bool agentRunsAsNobody() {
+  return geteuid() == 0 &&
+         runCommand("setpriv --reuid=65534 --regid=65534 --clear-groups test -x " + std::string(LLDP_SNMP_AGENT_PATH) +
+                    " && echo yes") == "yes\n";
+}
+
 int freeUdpPort() {
   int const fd = socket(AF_INET, SOCK_DGRAM, 0);
   sockaddr_in address{};

@@ -97,6 +97,9 @@ struct AgentRun {
 };
 AgentRun runAgentToEnd(std::vector<std::string> const& arguments);
 
+// Whether root may run the agent as "nobody": a build tree under a folder
+// closed to other users (a private temporary folder) rules it out.
+bool agentRunsAsNobody();
 // A UDP port on 127.0.0.1 that was free a moment ago.
 int freeUdpPort();
 // A new empty directory under the system's temporary directory.
