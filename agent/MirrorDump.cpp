@@ -1,9 +1,11 @@
 #include "MirrorDump.h"
 
 #include <algorithm>
+#include <charconv>
 #include <fstream>
 #include <memory>
 #include <ostream>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -17,6 +19,21 @@ using Zet::ZetAttr;
 using Zet::ZetType;
 
 void writeObject(std::ostream& os, Zet::PtrInterface const& object, int depth);
+
+// The hashed collections are keyed by numbers: their text sorts as the
+// numbers do, so that port 10 follows port 9.
+bool keyTextLess(std::string_view a, std::string_view b) {
+  long long x = 0;
+  long long y = 0;
+  auto const whole = [](std::string_view text, long long& value) {
+    auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size();
+  };
+  if (whole(a, x) && whole(b, y)) {
+    return x < y;
+  }
+  return a < b;
+}
 
 std::string indent(int depth) { return std::string(static_cast<std::size_t>(depth) * 2, ' '); }
 
@@ -61,7 +78,7 @@ void writeCollection(std::ostream& os, ZetType const& type, Zet::PtrInterface co
   table->iterDel(&attribute, iterator);
   if (!attribute.ordered) {
     std::stable_sort(elements.begin(), elements.end(),
-                     [](Element const& a, Element const& b) { return a.key.view() < b.key.view(); });
+                     [](Element const& a, Element const& b) { return keyTextLess(a.key.view(), b.key.view()); });
   }
   for (auto const& e : elements) {
     os << indent(depth + 1) << '[' << e.key << "] ";

@@ -167,9 +167,16 @@ void const* voidPtrIs(void const* pointer, ZetType const* from, ZetType const* t
   if (from == to) {
     return pointer;
   }
-  // Described value types have no bases: the only relation is identity.
+  // Only identity relates a value record to another type: it has no vtable and
+  // no bases. An entity would reach a base through its vtable.
   if (from && to) {
-    ZET_ASSERT(!from->isPolymorphic() || to->isPolymorphic());
+    if (from->valueMethods) {
+      ZetType const* const t = from;
+      ZET_ASSERT(!t->isPolymorphic());
+    } else {
+      ZetType const* const type = from;
+      ZET_ASSERT(type->isPolymorphic());
+    }
   }
   throwTypeException(from, to);
 }
