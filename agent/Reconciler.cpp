@@ -104,56 +104,79 @@ std::vector<Reconciler::Port> Reconciler::ports() const {
 }
 
 Reconciler::Report Reconciler::apply(DesiredState const& state) {
-  bool const first = !config_;
-  if (first) {
-    config_ = Zet::makePtr<Lldp::Config>();
-    status_ = Zet::makePtr<Lldp::AllStatus>();
-    localSystem_ = Zet::makePtr<Lldp::LocalSystem>();
-    // No change yet: sysUpTime 0, not a stamp from before the agent started.
-    status_->remTablesLastChangeTimeIs(stampOf(0.0));
+  Pass pass(*this, state);
+  while (pass.step()) {
   }
-  RemoteChanges changes;
-  changes.now = Zet::System::currentTime();
+  return pass.finish();
+}
 
-  config_->messageTxIntervalIs(state.config.messageTxInterval);
-  config_->messageTxHoldIs(state.config.messageTxHold);
-  config_->reinitDelayIs(state.config.reinitDelay);
-  config_->txDelayIs(state.config.txDelay);
+Reconciler::Pass::Pass(Reconciler& reconciler, DesiredState const& state)
+    : reconciler_(reconciler), state_(state), first_(!reconciler.config_) {
+  Reconciler& r = reconciler_;
+  if (first_) {
+    r.config_ = Zet::makePtr<Lldp::Config>();
+    r.status_ = Zet::makePtr<Lldp::AllStatus>();
+    r.localSystem_ = Zet::makePtr<Lldp::LocalSystem>();
+    // No change yet: sysUpTime 0, not a stamp from before the agent started.
+    r.status_->remTablesLastChangeTimeIs(stampOf(0.0));
+  }
+  changes_.now = Zet::System::currentTime();
 
-  applyLocalSystem(state.localSystem);
+  r.config_->messageTxIntervalIs(state.config.messageTxInterval);
+  r.config_->messageTxHoldIs(state.config.messageTxHold);
+  r.config_->reinitDelayIs(state.config.reinitDelay);
+  r.config_->txDelayIs(state.config.txDelay);
+
+  r.applyLocalSystem(state.localSystem);
 
   // Removals first, so that a number or name that moves to another port is free when it arrives.
-  removeStalePorts(state.ports, changes);
-  std::unordered_map<Ondo::IntfId, PortEntry*> kept;
-  for (PortEntry& entry : ports_) {
-    kept.emplace(entry.port.name, &entry);
+  r.removeStalePorts(state.ports, changes_);
+  // Until finish() the reconciler's ports stay where they are: these point into them.
+  for (PortEntry& entry : r.ports_) {
+    kept_.emplace(entry.port.name, &entry);
   }
+  placed_.reserve(state.ports.size());
+}
+
+bool Reconciler::Pass::step() {
+  if (placed_.size() == state_.ports.size()) {
+    return false;
+  }
+  DesiredPort const& desired = state_.ports[placed_.size()];
+  if (auto const it = kept_.find(desired.name); it != kept_.end()) {
+    reconciler_.applyPort(*it->second, desired, changes_);
+    placed_.push_back(it->second);
+    kept_.erase(it);
+  } else {
+    made_.push_back(reconciler_.makePort(desired, changes_));
+    placed_.push_back(nullptr);
+  }
+  return placed_.size() < state_.ports.size();
+}
+
+Reconciler::Report Reconciler::Pass::finish() {
+  Reconciler& r = reconciler_;
   std::vector<PortEntry> ordered;
-  ordered.reserve(state.ports.size());
-  for (DesiredPort const& desired : state.ports) {
-    if (auto const it = kept.find(desired.name); it != kept.end()) {
-      applyPort(*it->second, desired, changes);
-      ordered.push_back(std::move(*it->second));
-      kept.erase(it);
-    } else {
-      ordered.push_back(makePort(desired, changes));
-    }
+  ordered.reserve(placed_.size());
+  auto made = made_.begin();
+  for (PortEntry* const entry : placed_) {
+    ordered.push_back(entry ? std::move(*entry) : std::move(*made++));
   }
-  ports_ = std::move(ordered);
+  r.ports_ = std::move(ordered);
 
-  applyStatus(state.status, changes);
+  r.applyStatus(state_.status, changes_);
 
-  if (first) {
-    Statebase::entityIs(configPath, config_);
-    Statebase::entityIs(statusPath, status_);
-    Statebase::entityIs(localSystemPath, localSystem_);
+  if (first_) {
+    Statebase::entityIs(configPath, r.config_);
+    Statebase::entityIs(statusPath, r.status_);
+    Statebase::entityIs(localSystemPath, r.localSystem_);
   }
   // Sorted: neighbours are held by hash, and a log should read the same every time.
-  for (auto* names : {&changes.report.portsJoined, &changes.report.portsLeft, &changes.report.neighborsAdded,
-                      &changes.report.neighborsRemoved, &changes.report.neighborsChanged}) {
+  for (auto* names : {&changes_.report.portsJoined, &changes_.report.portsLeft, &changes_.report.neighborsAdded,
+                      &changes_.report.neighborsRemoved, &changes_.report.neighborsChanged}) {
     std::sort(names->begin(), names->end());
   }
-  return std::move(changes.report);
+  return std::move(changes_.report);
 }
 
 void Reconciler::applyLocalSystem(DesiredLocalSystem const& desired) {

@@ -82,6 +82,15 @@ class Reconciler {
   // state as far as it had got.
   Report apply(DesiredState const& state);
 
+  // One apply a port at a time, so that the agent can answer between ports:
+  // the constructor writes the configuration and the local system and takes
+  // away the ports that go; each step() applies the next port; finish()
+  // writes the status last and gives the report. `state` and the reconciler
+  // must outlive the pass, and nothing else may apply meanwhile. Between steps
+  // the tables show the ports applied so far; the counters and the change
+  // time move at finish(), so a notification finds the whole change.
+  class Pass;
+
   // Null for none. Not owned: it must stay until it is replaced or this goes.
   void portObserverIs(PortObserver* observer) { portObserver_ = observer; }
 
@@ -124,3 +133,24 @@ class Reconciler {
   std::vector<PortEntry> ports_;
   PortObserver* portObserver_ = nullptr;
 };
+
+class Reconciler::Pass {
+ public:
+  Pass(Reconciler& reconciler, DesiredState const& state);
+  Pass(Pass const&) = delete;
+  Pass& operator=(Pass const&) = delete;
+  // False once no port is left.
+  bool step();
+  // Once, after the last step.
+  Report finish();
+
+ private:
+  Reconciler& reconciler_;
+  DesiredState const& state_;
+  bool const first_;
+  RemoteChanges changes_;
+  std::unordered_map<Ondo::IntfId, PortEntry*> kept_;  // not yet placed
+  std::vector<PortEntry*> placed_;                     // in the snapshot's order; null: the next of made_
+  std::vector<PortEntry> made_;
+};
+

@@ -139,7 +139,7 @@ int SnmpAgent::onIndexStart(int, int, void*, void* clientArgument) {
   return SNMPERR_SUCCESS;
 }
 
-void SnmpAgent::processOnce() { agent_check_and_process(1); }
+void SnmpAgent::processOnce(bool poll) { agent_check_and_process(poll ? 0 : 1); }
 
 double SnmpAgent::uptimeOrigin() {
   return Zet::System::currentTime() - static_cast<double>(netsnmp_get_agent_uptime()) / 100.0;

@@ -25,7 +25,8 @@ class SnmpAgent {
   // sysUpTime. Set before start().
   void masterSessionOpenedIs(std::function<void()> handler) { masterSessionOpened_ = std::move(handler); }
   // Waits for and serves what arrives: SNMP packets, timers, registered fds.
-  void processOnce();
+  // With `poll`, serves only what is there already and returns at once.
+  void processOnce(bool poll = false);
 
   // The state database's clock stamp of sysUpTime 0: this agent's start, or
   // as a sub-agent the master's, once a session has told it.

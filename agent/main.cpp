@@ -124,7 +124,9 @@ int run(AgentOptions const& options) {
 
   bool stop = false;
   while (!stop) {
-    agent.processOnce();
+    // A write under way goes on between requests.
+    agent.processOnce(writer.pending());
+    writer.advance();
     while (int const signal = signals.next()) {
       switch (signal) {
         case SIGINT:
@@ -133,7 +135,6 @@ int run(AgentOptions const& options) {
           break;
         case SIGHUP:
           feed->reload();
-          returnFreedHeap();
           break;
         case SIGUSR1:
           writeDumps(options, ports);
