@@ -39,6 +39,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "LldpAgent/RecordMap.h"
 #include "Zet/Assert.h"
 #include "Zet/Entity.h"
 #include "Zet/Notifiee.h"
@@ -81,7 +82,7 @@ struct MapOf<K, V, Sorted> {
 };
 template <class K, class V>
 struct MapOf<K, V, Hashed> {
-  using type = std::unordered_map<K, V, Hasher>;
+  using type = RecordMap<K, V>;
 };
 template <class K, class V, class Order>
 using Map = typename MapOf<K, V, Order>::type;
@@ -146,13 +147,6 @@ typename C::mapped_type entryAt(C const& entries, typename C::key_type const& ke
 template <class C, class N, class K>
 void entryIs(Zet::PtrInterface const& notifier, C& entries, K const& key, typename C::mapped_type const& value,
              CollectionSlots<N, K> const& slots) {
-  if constexpr (requires { entries.reserve(std::size_t{1}); }) {
-    // A hashed map's first insertion would take 13 buckets, and most of a
-    // neighbour's maps hold an entry or two: start with two.
-    if (entries.bucket_count() == 1) {
-      entries.reserve(1);
-    }
-  }
   auto const [it, inserted] = entries.try_emplace(key, value);
   if (!inserted) {
     if (sameValue(it->second, value)) {
@@ -288,8 +282,7 @@ Zet::Ptr<V> entityDel(Zet::PtrInterface const& notifier, EntityMap<K, V, adopts>
 #define LLDP_DETAIL_SCALAR_FIELD(Type, name, Name, initial) Type name##_ = initial;
 #define LLDP_DETAIL_ENTITIES_FIELD(Key, name, Name, Element, keyFn, adopts) \
   ::Lldp::detail::EntityMap<Key, Element, adopts> name##_{this};
-#define LLDP_DETAIL_RECORDS_FIELD(Key, name, Name, Record) \
-  ::Lldp::detail::Map<Key, Record, ::Lldp::detail::Hashed> name##_;
+#define LLDP_DETAIL_RECORDS_FIELD(Key, name, Name, Record) ::Lldp::detail::RecordMap<Key, Record> name##_;
 #define LLDP_DETAIL_MAP_FIELD(Key, name, Name, Value, Order) \
   ::Lldp::detail::Map<Key, Value, ::Lldp::detail::Order> name##_;
 
@@ -322,7 +315,7 @@ Zet::Ptr<V> entityDel(Zet::PtrInterface const& notifier, EntityMap<K, V, adopts>
 #define LLDP_DETAIL_RECORDS_ACCESSORS(Key, name, Name, Record)                                                        \
   Record name(Key const& key) const { return ::Lldp::detail::entryAt(name##_, key); }                                 \
   LLDP_DETAIL_COLLECTION_READERS(Key, name)                                                                           \
-  ::Lldp::detail::Map<Key, Record, ::Lldp::detail::Hashed> const& name() const { return name##_; }                    \
+  ::Lldp::detail::RecordMap<Key, Record> const& name() const { return name##_; }                                     \
   void name##Is(Record const& record) {                                                                               \
     ::Lldp::detail::entryIs(*this, name##_, Key(::Lldp::recordKey(record)), record, LLDP_DETAIL_SLOTS_OF(Key, Name)); \
   }                                                                                                                   \

@@ -88,6 +88,8 @@ class RemoteSystem : public Zet::Entity {
   // `index` is unique within the port and becomes lldpRemIndex.
   RemoteSystem(std::int32_t index, Msap msap);
 
+  // The index as text.
+  Zet::Name name() const override;
   std::int32_t index() const { return index_; }
   Msap msap() const { return msap_; }
   LLDP_ATTRIBUTE_ACCESSORS(LLDP_REMOTE_SYSTEM_ATTRIBUTES)

@@ -1,5 +1,6 @@
 #include "Snmp/ObjectIdentifier.h"
 
+#include <algorithm>
 #include <charconv>
 #include <ostream>
 #include <string>
@@ -12,6 +13,14 @@ namespace Snmp {
 
 ObjectIdentifier::ObjectIdentifier(Zet::String::IteratorConst& pos, Zet::String::IteratorConst const& end)
     : ObjectIdentifier(fromDotted(Zet::readValue<Zet::String>(pos, end).view())) {}
+
+ObjectIdentifier::ObjectIdentifier(std::span<std::uint64_t const> subIds) : size_(subIds.size()) {
+  if (!subIds.empty()) {
+    auto block = std::make_shared<std::uint64_t[]>(subIds.size());
+    std::copy(subIds.begin(), subIds.end(), block.get());
+    subIds_ = std::move(block);
+  }
+}
 
 ObjectIdentifier ObjectIdentifier::fromDotted(std::string_view text) {
   std::vector<std::uint64_t> subIds;
@@ -31,16 +40,16 @@ ObjectIdentifier ObjectIdentifier::fromDotted(std::string_view text) {
     subIds.push_back(subId);
     rest.remove_prefix(atEnd ? used : used + 1);
   }
-  return ObjectIdentifier(std::move(subIds));
+  return ObjectIdentifier(subIds);
 }
 
 Zet::String ObjectIdentifier::stringValue() const {
   std::string text;
-  for (std::size_t i = 0; i < subIds_.size(); ++i) {
-    if (i > 0) {
+  for (std::uint64_t const subId : subIds()) {
+    if (!text.empty()) {
       text.push_back('.');
     }
-    text.append(std::to_string(subIds_[i]));
+    text.append(std::to_string(subId));
   }
   return Zet::String(text);
 }
