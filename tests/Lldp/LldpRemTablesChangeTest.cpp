@@ -89,13 +89,11 @@ class LldpRemTablesChange : public testing::Test {
   std::vector<std::string> traces_;
 };
 
-TEST_F(LldpRemTablesChange, DiesWhenTheLldpGroupIsNotRegistered) {
+// The host registers the group and the notification at start; without either the process ends.
+TEST_F(LldpRemTablesChange, DiesWhenTheGroupOrTheNotificationIsNotRegistered) {
   EXPECT_DEATH(Snmp::lldpRemTablesChangeNotify(1, 2, 3, 4, ""),
                "LldpMIB:[0-9]+: .*Assertion `snmpConfig->notificationConfig\\( \"lldp\" \\) && \"You need to "
                "register lldp traps from your DefaultConfigPlugin\"' failed");
-}
-
-TEST_F(LldpRemTablesChange, DiesWhenTheNotificationIsNotRegisteredInItsGroup) {
   config_->notificationConfigIs("lldp");
   EXPECT_DEATH(Snmp::lldpRemTablesChangeNotify(1, 2, 3, 4, ""),
                "LldpMIB:[0-9]+: .*Assertion `snmpConfig->notificationConfig\\( \"lldp\" \\)->notification\\( "

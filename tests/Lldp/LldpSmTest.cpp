@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <iostream>
@@ -17,7 +16,6 @@
 #include <set>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "Interface/EthPortId.h"
 #include "LldpAgent/AllStatus.h"
@@ -25,9 +23,9 @@
 #include "LldpAgent/LocalPort.h"
 #include "LldpAgent/LocalSystem.h"
 #include "LldpAgent/ManAddrPriority.h"
-#include "LldpAgent/ManAddress.h"
 #include "LldpAgent/ManagementAddress.h"
 #include "MirrorRows.h"
+#include "MirrorWorld.h"
 #include "Ondo/IntfId.h"
 #include "Root.h"
 #include "Snmp/Config.h"
@@ -36,7 +34,6 @@
 #include "Zet/Ptr.h"
 #include "Zet/String.h"
 #include "Zet/System.h"
-#include "Zet/Trace.h"
 
 namespace {
 
@@ -61,11 +58,6 @@ void inOwnProcess(Body body) {
       ::testing::ExitedWithCode(0), "");
 }
 
-Key addressKey(std::uint8_t lastByte) {
-  std::string const bytes{10, 0, 0, static_cast<char>(lastByte)};
-  return {1, Lldp::ManAddress(Zet::String(bytes))};
-}
-
 Lldp::ManagementAddress address(std::uint8_t lastByte, std::int32_t ifId) {
   Lldp::ManagementAddress a(addressKey(lastByte));
   a.ifId = ifId;
@@ -86,9 +78,6 @@ struct World {
     snmpConfig->notificationConfigIs("lldp")->notificationIs("lldpRemTablesChange");
     snmpConfig->notificationsEnabledIs(false, "off in this test");
     Statebase::entityIs(SnmpUtil::snmpConfigPath, snmpConfig);
-    Zet::Trace::levelsIs("LldpSnmp", ~0u);
-    Zet::Trace::levelsIs("Snmp", ~0u);
-    Zet::Trace::sinkIs([this](Zet::String const&, int, std::string_view text) { lines.emplace_back(text); });
   }
 
   Zet::Ptr<Lldp::Snmp::LldpSm> build() { return root->lldpSmIs(status, local, config, root); }
@@ -118,12 +107,10 @@ struct World {
     return out;
   }
 
-  std::size_t countStarting(std::string_view prefix) const {
-    return std::ranges::count_if(lines, [&](std::string const& line) { return line.starts_with(prefix); });
-  }
+  std::size_t countStarting(std::string_view prefix) const { return trace.countStarting(prefix); }
 
   double now = 100.0;
-  std::vector<std::string> lines;
+  TraceCapture const trace{{"LldpSnmp", ~0u}, {"Snmp", ~0u}};
   Zet::Ptr<Lldp::AllStatus> const status = Zet::makePtr<Lldp::AllStatus>();
   Zet::Ptr<Lldp::LocalSystem> const local = Zet::makePtr<Lldp::LocalSystem>();
   Zet::Ptr<Lldp::Config> const config = Zet::makePtr<Lldp::Config>();

@@ -13,21 +13,24 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "AgentProcess.h"
 #include "LldpAgent/AllStatus.h"
 #include "LldpAgent/Config.h"
 #include "LldpAgent/LocalSystem.h"
+#include "LldpAgent/PortConfig.h"
 #include "LldpMIB.h"
 #include "LldpXdot1MIB.h"
 #include "LldpXdot3MIB.h"
+#include "MirrorWorld.h"
 #include "Root.h"
 #include "Snmp/AutoRegistree.h"
+#include "Snmp/HandlerFrame.h"
 #include "Snmp/MibContext.h"
 #include "SnmpClient.h"
 #include "Statebase/Statebase.h"
-#include "Zet/Trace.h"
 
 extern "C" void init_vacm_conf(void);
 
@@ -74,6 +77,7 @@ class AgentLibrary : public testing::Environment {
                           ("udp:127.0.0.1:" + std::to_string(port)).c_str());
     netsnmp_ds_set_boolean(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_DONT_LOG_TCPWRAPPERS_CONNECTS, 1);
     init_agent("lldp-registration-test");
+    Snmp::installHandlerFrame();
     init_vacm_conf();
     char line[] = "rocommunity public 127.0.0.1";
     netsnmp_config_remember(line);
@@ -195,22 +199,19 @@ TEST_F(Registration, UnregisterOfUnknownContextStillTellsTheHost) {
 }
 
 TEST_F(Registration, OidsAreFormattedOnlyWhenTraceLevelOneIsOn) {
-  Zet::Trace::levelsIs("Snmp", 0b1);  // level 0 only
   snprintObjidCalls = 0;
-  init_LldpMIB("");
+  {
+    TraceCapture const levelZeroOnly{{"Snmp", 0b1}};
+    init_LldpMIB("");
+  }
   EXPECT_EQ(snprintObjidCalls, 0);
   unregister_LldpMIB("");
-
   std::vector<std::string> lines;
-  Zet::Trace::sinkIs([&](Zet::String const&, int level, std::string_view text) {
-    if (level == 1) {
-      lines.emplace_back(text);
-    }
-  });
-  Zet::Trace::levelsIs("Snmp", 0b11);
-  init_LldpMIB("");
-  Zet::Trace::sinkIs(nullptr);
-  Zet::Trace::levelsIs("Snmp", 0);
+  {
+    TraceCapture const trace{{"Snmp", 0b11}};
+    init_LldpMIB("");
+    lines = trace.starting("", 1);
+  }
   // One OID formatted per line: the 16 scalars', then the tables'.
   EXPECT_EQ(snprintObjidCalls, static_cast<int>(lines.size()));
   ASSERT_GT(lines.size(), 16u);
@@ -220,15 +221,11 @@ TEST_F(Registration, OidsAreFormattedOnlyWhenTraceLevelOneIsOn) {
 
 TEST_F(Registration, SkippedScalarsAreTracedOncePerObject) {
   std::vector<std::string> lines;
-  Zet::Trace::sinkIs([&](Zet::String const&, int level, std::string_view text) {
-    if (level == 2) {
-      lines.emplace_back(text);
-    }
-  });
-  Zet::Trace::levelsIs("Snmp", 0b100);
-  init_LldpMIB("green");
-  Zet::Trace::sinkIs(nullptr);
-  Zet::Trace::levelsIs("Snmp", 0);
+  {
+    TraceCapture const trace{{"Snmp", 0b100}};
+    init_LldpMIB("green");
+    lines = trace.starting("", 2);
+  }
   // One line per scalar, then one per table.
   ASSERT_GT(lines.size(), 16u);
   EXPECT_EQ(lines[0],
@@ -239,26 +236,66 @@ TEST_F(Registration, SkippedScalarsAreTracedOncePerObject) {
             "initialize_table_lldpPortConfigTable in context \"green\" statebasePathWithContext not specified ");
 }
 
-using RegistrationDeathTest = Registration;
+// The agent library with the host's frame around its handlers: lldpPortConfigTable
+// on a Root whose port 2 has an enabledTlvs no MIB value stands for.
+TEST_F(Registration, AnExceptionOutOfAHandlerIsAGenErrAndTheAgentKeepsServing) {
+  auto const root = Lldp::Snmp::Root::RootIs(Zet::Name("root"));
+  root->portConfigIs(Interface::EthPortId(1), Zet::makePtr<Lldp::PortConfig>());
+  auto wide = Zet::makePtr<Lldp::PortConfig>();
+  wide->enabledTlvsIs(0x10);
+  root->portConfigIs(Interface::EthPortId(2), wide);
+  Statebase::entityIs("snmp/lldp/root", root);
+  initialize_table_lldpPortConfigTable(nullptr, "");
 
-TEST_F(RegistrationDeathTest, MissingEntityEndsTheProcessNamingThePath) {
-  auto const saved = Statebase::entity("Statebase/l2discovery/lldp/status/all");
-  Statebase::entityDel("Statebase/l2discovery/lldp/status/all");
-  EXPECT_DEATH(init_LldpMIB(""),
-               "Can not getEntityRelative\\( Statebase/l2discovery/lldp/status/all \\) for scalar "
-               "lldpStatsRemTablesLastChangeTime. Is this path correct\\?\n"
-               "LldpMIB:[0-9]+: void init_LldpMIB\\(Zet::String\\): Assertion `e_lldpStatsRemTablesLastChangeTime'");
-  Statebase::entityIs("Statebase/l2discovery/lldp/status/all", saved);
+  SnmpClient client("udp:127.0.0.1:" + std::to_string(AgentLibrary::port), "public");
+  auto const failed = client.get({"1.0.8802.1.1.2.1.1.6.1.4.2"});
+  ASSERT_FALSE(failed.timedOut);
+  EXPECT_EQ(failed.errorStatus, SNMP_ERR_GENERR);
+  auto const served = client.get({"1.0.8802.1.1.2.1.1.6.1.4.1"});
+  ASSERT_FALSE(served.timedOut);
+  EXPECT_EQ(served.errorStatus, SNMP_ERR_NOERROR);
+  EXPECT_EQ(served.varBinds.at(0).bytes, std::string(1, '\0'));
+  unregister_LldpMIB("");
 }
 
-TEST_F(RegistrationDeathTest, EntityOfWrongTypeEndsTheProcess) {
-  auto const saved = Statebase::entity("Statebase/l2discovery/lldp/localSystem");
-  Statebase::entityIs("Statebase/l2discovery/lldp/localSystem", Zet::makePtr<Lldp::Config>());
-  EXPECT_DEATH(init_LldpMIB(""),
-               "Statebase/l2discovery/lldp/localSystem does not appear to be of type Lldp::LocalSystem for scalar "
-               "lldpLocChassisIdSubtype.\nLldpMIB:[0-9]+: void init_LldpMIB\\(Zet::String\\): Assertion "
-               "`ptr_lldpLocChassisIdSubtype'");
-  Statebase::entityIs("Statebase/l2discovery/lldp/localSystem", saved);
+using RegistrationDeathTest = Registration;
+
+// A state path that is missing or holds another type ends the process at
+// registration, naming the path and the object, for scalars and tables alike.
+TEST_F(RegistrationDeathTest, MissingOrForeignEntityEndsTheProcessNamingThePath) {
+  struct Case {
+    char const* path;
+    Zet::Ptr<Zet::Entity> replacement;  // null: the path is emptied
+    std::function<void()> registration;
+    char const* message;
+  } const cases[] = {
+      {"Statebase/l2discovery/lldp/status/all", nullptr, [] { init_LldpMIB(""); },
+       "Can not getEntityRelative\\( Statebase/l2discovery/lldp/status/all \\) for scalar "
+       "lldpStatsRemTablesLastChangeTime. Is this path correct\\?\n"
+       "LldpMIB:[0-9]+: void init_LldpMIB\\(Zet::String\\): Assertion `e_lldpStatsRemTablesLastChangeTime'"},
+      {"Statebase/l2discovery/lldp/localSystem", Zet::makePtr<Lldp::Config>(), [] { init_LldpMIB(""); },
+       "Statebase/l2discovery/lldp/localSystem does not appear to be of type Lldp::LocalSystem for scalar "
+       "lldpLocChassisIdSubtype.\nLldpMIB:[0-9]+: void init_LldpMIB\\(Zet::String\\): Assertion "
+       "`ptr_lldpLocChassisIdSubtype'"},
+      {"snmp/lldp/root", nullptr, [] { initialize_table_lldpPortConfigTable(nullptr, ""); },
+       "Can not getEntityRelative\\( snmp/lldp/root \\) for table lldpPortConfigTable. Is this path "
+       "correct\\?\nLldpMIB:[0-9]+: void initialize_table_lldpPortConfigTable\\(Zet::Ptr<const "
+       "Snmp::Config>, Zet::String\\): Assertion `e' failed"},
+      {"snmp/lldp/root", Zet::makePtr<Lldp::PortConfig>(), [] { initialize_table_lldpLocPortTable(nullptr, ""); },
+       "snmp/lldp/root does not appear to be of type Lldp::Snmp::Root.\nLldpMIB:[0-9]+: void "
+       "initialize_table_lldpLocPortTable\\(.*\\): Assertion `ptr' failed"},
+  };
+  for (auto const& c : cases) {
+    SCOPED_TRACE(c.path);
+    auto const saved = Statebase::entity(c.path);
+    if (c.replacement) {
+      Statebase::entityIs(c.path, c.replacement);
+    } else {
+      Statebase::entityDel(c.path);
+    }
+    EXPECT_DEATH(c.registration(), c.message);
+    Statebase::entityIs(c.path, saved);
+  }
 }
 
 }  // namespace

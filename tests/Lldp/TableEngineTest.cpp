@@ -1,7 +1,6 @@
 // The table engine where SNMP would hide a fault: how a hint starts a walk,
 // which rows the time filter lets through, and how the handlers answer
-// crafted request lists. Last, a handler's exception against net-snmp's own
-// agent library in this process.
+// crafted request lists.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -10,27 +9,19 @@
 #include <net-snmp/net-snmp-includes.h>
 #include <net-snmp/agent/net-snmp-agent-includes.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "AgentProcess.h"
 #include "LldpAgent/LocalPort.h"
 #include "LldpAgent/PortConfig.h"
 #include "LldpAgent/RemoteSystem.h"
 #include "LldpMIB.h"
+#include "MirrorWorld.h"
 #include "Root.h"
-#include "Snmp/HandlerFrame.h"
-#include "SnmpClient.h"
 #include "SnmpConversions.h"
-#include "Statebase/Statebase.h"
 #include "TableEngine.h"
 #include "Zet/Exception.h"
-#include "Zet/Trace.h"
-
-extern "C" void init_vacm_conf(void);
 
 namespace {
 
@@ -70,27 +61,6 @@ IndexDesc const orgDefIndexes[] = {{"testTimeMark", ASN_TIMETICKS}, {"testLocalP
                                    {"testSubtype", ASN_INTEGER},    {"testOrgDefIndex", ASN_INTEGER}};
 TableDesc const orgDefTable{"testOrgDefTable", {1, 3, 6, 1, 4, 1, 99999, 4}, HANDLER_CAN_RONLY, orgDefIndexes,
                             oneColumn, Sorted::yes, TimeFilter::yes, nullptr, &TableEngine::remoteUnknownOrgDefTlvRows};
-
-// The "Snmp" trace lines written while it lives, with the levels of `mask` on.
-class TraceLines {
- public:
-  explicit TraceLines(unsigned mask) {
-    Zet::Trace::levelsIs("Snmp", mask);
-    Zet::Trace::sinkIs([this](Zet::String const& handle, int, std::string_view text) {
-      if (handle == Zet::String("Snmp")) {
-        text_.append(text).append("\n");
-      }
-    });
-  }
-  ~TraceLines() {
-    Zet::Trace::sinkIs(nullptr);
-    Zet::Trace::levelsIs("Snmp", 0);
-  }
-  std::string const& text() const { return text_; }
-
- private:
-  std::string text_;
-};
 
 // A variable list as net-snmp builds one from a table's indexes; freed with the object.
 class Variables {
@@ -203,7 +173,7 @@ TEST_F(TableWalk, APortHintStartsAtItsRowOrElseAtTheFirst) {
     hint.number_indexes = c.numberIndexes;
     hint.indexes = hintValues.get();
     Variables out(portIndexes);
-    TraceLines trace(0b111);
+    TraceCapture const trace{{"Snmp", 0b111}};
     ASSERT_EQ(first(portTable, &hint, out), out.get());
     EXPECT_EQ(out.integerAt(0), c.startPort);
     EXPECT_THAT(trace.text(), HasSubstr(c.matched ? ", hintMatched=1" : ", hintMatched=0"));
@@ -252,7 +222,7 @@ TEST_F(TableWalk, ANeighbourHintSkipsTheMarkAndNarrowsThePort) {
     hint.number_indexes = 3;
     hint.indexes = hintValues.get();
     Variables out(remoteIndexes);
-    TraceLines trace(0b111);
+    TraceCapture const trace{{"Snmp", 0b111}};
     ASSERT_EQ(first(remoteTable, &hint, out), out.get());
     EXPECT_EQ(out.integerAt(1), c.startPort);
     EXPECT_EQ(out.integerAt(2), c.startIndex);
@@ -273,7 +243,7 @@ TEST_F(TableWalk, AnOuiHintComponentIsReadAsItsThreeOctets) {
   hint.number_indexes = 6;
   hint.indexes = hintValues.get();
   Variables out(orgDefIndexes);
-  TraceLines trace(0b111);
+  TraceCapture const trace{{"Snmp", 0b111}};
   first(orgDefTable, &hint, out);
   EXPECT_THAT(trace.text(), HasSubstr("hint component testOui is '00-80-c2'"));
   EXPECT_THAT(trace.text(), HasSubstr(", hintMatched=1"));
@@ -395,7 +365,7 @@ TEST_F(TableRequests, GetAnswersUntilARequestWithoutDataContext) {
 
 TEST_F(TableRequests, GetOfAColumnOutsideTheTableIsNoSuchObjectOnThatRequestAlone) {
   auto const row = configAt(1);
-  TraceLines trace(0b1);
+  TraceCapture const trace{{"Snmp", 0b1}};
   Requests list(MODE_GET, {{3, &row}, {9, &row}, {2, &row}});
   EXPECT_EQ(list.handle(lldpPortConfigTable_handler), SNMP_ERR_NOERROR);
   EXPECT_EQ(*list[0].requestvb->val.integer, 1);  // notificationEnable: true
@@ -407,7 +377,7 @@ TEST_F(TableRequests, GetOfAColumnOutsideTheTableIsNoSuchObjectOnThatRequestAlon
 TEST_F(TableRequests, AValueOutOfItsLengthBoundFailsTheHeadOfTheList) {
   auto const good = localAt(1);
   auto const empty = localAt(5);
-  TraceLines trace(0b111);
+  TraceCapture const trace{{"Snmp", 0b111}};
   Requests list(MODE_GET, {{3, &good}, {3, &empty}, {2, &good}});
   EXPECT_EQ(list.handle(lldpLocPortTable_handler), SNMP_ERR_GENERR);
   EXPECT_EQ(list[0].status, SNMP_ERR_GENERR);
@@ -450,7 +420,7 @@ TEST_F(TableRequests, EveryOtherModeMarksTheFirstUnprocessedRequestNotWritable) 
   };
   for (auto const& c : cases) {
     SCOPED_TRACE(c.trace);
-    TraceLines trace(0b111);
+    TraceCapture const trace{{"Snmp", 0b111}};
     Requests list(c.mode, {{c.column, &row, true}, {c.column, &row}, {c.column, &row}});
     EXPECT_EQ(list.handle(c.handler), SNMP_ERR_NOERROR);
     EXPECT_EQ(list[0].status, 0);
@@ -459,60 +429,6 @@ TEST_F(TableRequests, EveryOtherModeMarksTheFirstUnprocessedRequestNotWritable) 
     EXPECT_THAT(trace.text(), HasSubstr(c.trace));
     EXPECT_THAT(trace.text(), HasSubstr("already processed"));
   }
-}
-
-TEST(TableRegistrationDeathTest, AMissingOrForeignRootEndsTheProcessNamingThePath) {
-  Statebase::entityDel("snmp/lldp/root");
-  EXPECT_DEATH(initialize_table_lldpPortConfigTable(nullptr, ""),
-               "Can not getEntityRelative\\( snmp/lldp/root \\) for table lldpPortConfigTable. Is this path "
-               "correct\\?\nLldpMIB:[0-9]+: void initialize_table_lldpPortConfigTable\\(Zet::Ptr<const "
-               "Snmp::Config>, Zet::String\\): Assertion `e' failed");
-  Statebase::entityIs("snmp/lldp/root", Zet::makePtr<Lldp::PortConfig>());
-  EXPECT_DEATH(initialize_table_lldpLocPortTable(nullptr, ""),
-               "snmp/lldp/root does not appear to be of type Lldp::Snmp::Root.\nLldpMIB:[0-9]+: void "
-               "initialize_table_lldpLocPortTable\\(.*\\): Assertion `ptr' failed");
-  Statebase::entityDel("snmp/lldp/root");
-}
-
-// The agent library in this process, with the host's frame around its
-// handlers and lldpPortConfigTable registered on a Root with a bad row.
-TEST(HandlerFrame, AnExceptionOutOfAHandlerIsAGenErrAndTheAgentKeepsServing) {
-  setenv("MIBS", "", 1);
-  int const port = freeUdpPort();
-  std::string const directory = makeTempDirectory();
-  netsnmp_ds_set_string(NETSNMP_DS_LIBRARY_ID, NETSNMP_DS_LIB_PERSISTENT_DIR, directory.c_str());
-  netsnmp_ds_set_string(NETSNMP_DS_APPLICATION_ID, NETSNMP_DS_AGENT_PORTS,
-                        ("udp:127.0.0.1:" + std::to_string(port)).c_str());
-  init_agent("lldp-table-engine-test");
-  Snmp::installHandlerFrame();
-  init_vacm_conf();
-  char line[] = "rocommunity public 127.0.0.1";
-  netsnmp_config_remember(line);
-  init_snmp("lldp-table-engine-test");
-  ASSERT_EQ(init_master_agent(), 0);
-
-  auto const root = Root::RootIs(Zet::Name("root"));
-  root->portConfigIs(EthPortId(1), Zet::makePtr<Lldp::PortConfig>());
-  auto wide = Zet::makePtr<Lldp::PortConfig>();
-  wide->enabledTlvsIs(0x10);
-  root->portConfigIs(EthPortId(2), wide);
-  Statebase::entityIs("snmp/lldp/root", root);
-  initialize_table_lldpPortConfigTable(nullptr, "");
-
-  SnmpClient client("udp:127.0.0.1:" + std::to_string(port), "public");
-  auto const failed = client.get({"1.0.8802.1.1.2.1.1.6.1.4.2"});
-  ASSERT_FALSE(failed.timedOut);
-  EXPECT_EQ(failed.errorStatus, SNMP_ERR_GENERR);
-  auto const served = client.get({"1.0.8802.1.1.2.1.1.6.1.4.1"});
-  ASSERT_FALSE(served.timedOut);
-  EXPECT_EQ(served.errorStatus, SNMP_ERR_NOERROR);
-  EXPECT_EQ(served.varBinds.at(0).bytes, std::string(1, '\0'));
-
-  unregister_LldpMIB("");
-  Statebase::entityDel("snmp/lldp/root");
-  snmp_shutdown("lldp-table-engine-test");
-  std::error_code ignored;
-  std::filesystem::remove_all(directory, ignored);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <regex>
 #include <sstream>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -18,18 +19,23 @@
 #include "LldpAgent/BoundedString.h"
 #include "LldpAgent/EnabledTlvs.h"
 #include "LldpAgent/Enumerations.h"
+#include "LldpAgent/MacPhyConfigStatusInfo.h"
+#include "LldpAgent/ManAddrPriority.h"
+#include "LldpAgent/ManagementAddress.h"
 #include "LldpAgent/Oui.h"
+#include "Ondo/IntfId.h"
 #include "Snmp/ObjectIdentifier.h"
 #include "Zet/Exception.h"
-#include "Zet/TextForm.h"
 
 namespace {
 
 using testing::ThrowsMessage;
 
-template <class T>
-T roundTrip(T const& value) {
-  return Zet::strepToValue<T>(Zet::strepOf(value));
+using Lldp::ManagementAddress;
+using namespace std::string_literals;
+
+ManagementAddress::Key key(std::int32_t subtype, std::string const& bytes) {
+  return ManagementAddress::Key(subtype, Lldp::ManAddress(Zet::String(bytes)));
 }
 
 // Each good value is kept; each bad one is refused with `message`, by the constructor and by
@@ -82,15 +88,40 @@ TEST(ValueTypes, BoundedStringsCountBytes) {
   expectByteLimit<Lldp::BoundedString511>("BoundedString511::value::bytes > 511 not allowed");
 }
 
-// The record tests carry the other value types through their text forms.
-TEST(ValueTypes, TextFormsReadBackAsTheSameValue) {
-  EXPECT_EQ(roundTrip(Interface::EthPortId(4094)), Interface::EthPortId(4094));
-  EXPECT_EQ(roundTrip(Lldp::SystemCapabilitiesMap(0xffffffff)), Lldp::SystemCapabilitiesMap(0xffffffff));
-  EXPECT_EQ(roundTrip(Lldp::Dot3EnabledTlvs(5)), Lldp::Dot3EnabledTlvs(5));
-  EXPECT_THROW(Zet::strepToValue<Lldp::EnabledTlvs>("16"), Zet::RangeException);
-  std::ostringstream os;
-  os << Lldp::Oui(0x0080c2);
-  EXPECT_EQ(os.str(), "00-80-c2");
+TEST(Records, ManagementAddressKeyOrdersAsItsIndexOidAndHashesByValue) {
+  // Subtype first, then the length-prefixed address: shorter first, then bytes as unsigned.
+  std::vector<ManagementAddress::Key> const ascending{
+      key(1, "\xff"), key(1, "\x00\x00"s), key(1, "\x0a\x00\x00\x7f"s), key(1, "\x0a\x00\x00\x80"s),
+      key(1, "\x0a\x00\x00\xff"s), key(2, "\x01"),
+  };
+  for (std::size_t i = 0; i + 1 < ascending.size(); ++i) {
+    EXPECT_TRUE(ascending[i] < ascending[i + 1]) << i;
+    EXPECT_FALSE(ascending[i + 1] < ascending[i]) << i;
+  }
+  EXPECT_FALSE(key(1, "a") < key(1, "a"));
+  std::unordered_set<ManagementAddress::Key> const keys{key(1, "\x0a\x00\x00\x01"s), key(1, "\x0a\x00\x00\x01"s),
+                                                        key(2, "\x0a\x00\x00\x01"s)};
+  EXPECT_EQ(keys.size(), 2u);
+  // The length counts the subtype's octet too.
+  EXPECT_EQ(ManagementAddress(key(1, "\x0a\x00\x00\x01"s)).manAddrLen(), 5u);
+  EXPECT_EQ(key(1, "\x0a\x00\x00\x01"s).stringValue(), "1/10.0.0.1");
+}
+
+TEST(Records, AdvertisedCapabilitiesPutNamedBitZeroOnTop) {
+  Lldp::MacPhyConfigStatusInfo info;
+  info.autoNegAdvertisedCap = 1u << 0;  // bOther
+  EXPECT_EQ(info.autoNegAdvertisedCapAsU16(), 0x8000);
+  info.autoNegAdvertisedCap = (1u << 5) | (1u << 15);  // b100baseTXFD, b1000baseTFD
+  EXPECT_EQ(info.autoNegAdvertisedCapAsU16(), 0x0401);
+  info.autoNegAdvertisedCap = 0xffff0000u;
+  EXPECT_EQ(info.autoNegAdvertisedCapAsU16(), 0);
+}
+
+TEST(Records, ManAddrPriorityOrdersFieldByField) {
+  Lldp::ManAddrPriority const low(1, 2, 3, Ondo::IntfId("Ethernet9"));
+  EXPECT_LT(low, Lldp::ManAddrPriority(2, 0, 0, Ondo::IntfId()));
+  EXPECT_LT(low, Lldp::ManAddrPriority(1, 2, 3, Ondo::IntfId("Vlan1")));
+  EXPECT_FALSE(low < low);
 }
 
 TEST(ObjectIdentifier, DottedTextReadsBothWaysAndOrdersAsSnmpDoes) {
@@ -147,8 +178,8 @@ TEST(Enumerations, TextGivesANameOrAnyS32AndTheStreamBoth) {
     EXPECT_THROW(Lldp::enumFromText<Lldp::AdminStatus>(bad), Zet::ParseException) << bad;
   }
   std::ostringstream os;
-  os << Lldp::ChassisIdSubtype::macAddress << ' ' << Lldp::ChassisIdSubtype{};
-  EXPECT_EQ(os.str(), "macAddress(4) 0");
+  os << Lldp::ChassisIdSubtype::macAddress << ' ' << Lldp::ChassisIdSubtype{} << ' ' << Lldp::Oui(0x0080c2);
+  EXPECT_EQ(os.str(), "macAddress(4) 0 00-80-c2");
 }
 
 }  // namespace
