@@ -1,5 +1,6 @@
 #include "SnmpAgent.h"
 
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -142,5 +143,14 @@ int SnmpAgent::onIndexStart(int, int, void*, void* clientArgument) {
 void SnmpAgent::processOnce(bool poll) { agent_check_and_process(poll ? 0 : 1); }
 
 double SnmpAgent::uptimeOrigin() {
-  return Zet::System::currentTime() - static_cast<double>(netsnmp_get_agent_uptime()) / 100.0;
+  // From net-snmp's start time itself: the uptime's whole ticks would put the
+  // origin up to a tick late, and a change just after a reading of sysUpTime
+  // would seem to come before it.
+  // net-snmp 5.9 keeps it on the wall clock.
+  timeval now{};
+  gettimeofday(&now, nullptr);
+  auto const* const start = static_cast<timeval const*>(netsnmp_get_agent_starttime());
+  double const running = static_cast<double>(now.tv_sec - start->tv_sec) +
+                         static_cast<double>(now.tv_usec - start->tv_usec) / 1e6;
+  return Zet::System::currentTime() - running;
 }
