@@ -169,4 +169,43 @@ TEST_F(Reload, ChangedLocalAddressIsServedWithItsNewValuesAndPorts) {
   EXPECT_EQ(value(portsTxEnable).bytes, std::string("\x80", 1));
 }
 
+// A file large enough that the agent takes it in over many turns of its event
+// loop, and a second SIGHUP while it reads: the change arrives whole, counted
+// once, and the agent is the same agent afterwards.
+TEST_F(Reload, LargeChangeArrivesWholeAndCountedOnceThoughSignalledTwice) {
+  constexpr int ports = 200;
+  constexpr int perPort = 10;
+  // Every other port's neighbours are replaced by others (new chassis IDs).
+  auto const scenario = [&](char const* generation) {
+    std::string text = R"({"ports": [)";
+    for (int port = 1; port <= ports; ++port) {
+      text += std::string(port > 1 ? "," : "") + R"({"name": "e)" + std::to_string(port) + R"(", "neighbors": [)";
+      for (int n = 1; n <= perPort; ++n) {
+        std::string const id = (port % 2 ? generation : "a") + std::to_string(port) + "-" + std::to_string(n);
+        text += std::string(n > 1 ? "," : "") + R"({"index": )" + std::to_string(n) + R"(, "msap": {"chassisId": ")" +
+                id + R"("}, "sysName": ")" + id + R"("})";
+      }
+      text += "]}";
+    }
+    return text + "]}";
+  };
+  reloadWith(scenario("a"));
+  ASSERT_TRUE(waitUntil([&] { return scalar(insertsOid) == 1 + ports * perPort; }, 30.0)) << agent_->standardError();
+  long const deletesBefore = scalar(deletesOid);
+
+  writeFile(scenarioPath_, scenario("b"));
+  agent_->sendSignal(SIGHUP);
+  agent_->sendSignal(SIGHUP);
+  constexpr long replaced = (ports / 2) * perPort;
+  ASSERT_TRUE(waitUntil([&] { return scalar(insertsOid) == 1 + ports * perPort + replaced; }, 30.0))
+      << agent_->standardError();
+  // The last port's neighbours are the new ones; the first even port kept its own.
+  std::string const sysName = "1.0.8802.1.1.2.1.4.1.1.9.0.";  // lldpRemSysName, mark 0
+  EXPECT_EQ(value(sysName + std::to_string(ports - 1) + "." + std::to_string(perPort)).bytes,
+            "b" + std::to_string(ports - 1) + "-" + std::to_string(perPort));
+  EXPECT_EQ(value(sysName + "2.1").bytes, "a2-1");
+  EXPECT_EQ(scalar(deletesOid), deletesBefore + replaced);
+  EXPECT_TRUE(saidOnStandardError("reload applied: neighbours added b1-1 on e1")) << agent_->standardError();
+}
+
 }  // namespace
