@@ -13,7 +13,6 @@ served, and the longest gap in a quiet second before it for comparison.
 """
 import argparse
 import json
-import os
 import pathlib
 import signal
 import socket
@@ -22,77 +21,34 @@ import sys
 import tempfile
 import time
 
+from snmp_get import Snmp
+
 HERE = pathlib.Path(__file__).resolve().parent
 
 
-def ber_length(n):
-    if n < 0x80:
-        return bytes([n])
-    body = n.to_bytes((n.bit_length() + 7) // 8, "big")
-    return bytes([0x80 | len(body)]) + body
-
-
-def tlv(tag, body):
-    return bytes([tag]) + ber_length(len(body)) + body
-
-
-def ber_int(v):
-    return tlv(0x02, v.to_bytes(max(1, (v.bit_length() + 8) // 8), "big", signed=True))
-
-
-def ber_oid(dotted):
-    parts = [int(p) for p in dotted.split(".")]
-    out = bytearray([parts[0] * 40 + parts[1]])
-    for p in parts[2:]:
-        chunk = [p & 0x7F]
-        p >>= 7
-        while p:
-            chunk.insert(0, 0x80 | (p & 0x7F))
-            p >>= 7
-        out += bytes(chunk)
-    return tlv(0x06, bytes(out))
-
-
-def get_request(request_id, oid):
-    varbind = tlv(0x30, ber_oid(oid) + b"\x05\x00")
-    pdu = tlv(0xA0, ber_int(request_id) + ber_int(0) + ber_int(0) + tlv(0x30, varbind))
-    return tlv(0x30, ber_int(1) + tlv(0x04, b"public") + pdu)
-
-
 class Poller:
-    """One GET at a time; remembers when each answer came and what it held."""
+    """One GET at a time; remembers the longest wait between two answers."""
 
     def __init__(self, port, oid):
-        self.sock = socket.socket(socket.AF_INET, socket.SOCK_DGRAM)
-        self.sock.connect(("127.0.0.1", port))
-        self.sock.settimeout(5.0)
+        # A reload that held the agent for long must still be waited for.
+        self.snmp = Snmp(port, timeout=120.0)
         self.oid = oid
-        self.request_id = 1
 
     def ask(self):
-        self.request_id += 1
-        self.sock.send(get_request(self.request_id, self.oid))
-        deadline = time.monotonic() + 30
-        while time.monotonic() < deadline:
-            try:
-                reply = self.sock.recv(65535)
-            except socket.timeout:
-                continue
-            if ber_int(self.request_id) in reply:
-                return time.monotonic(), reply
-        raise RuntimeError("no answer in 30 s")
+        _, value = self.snmp.get(self.oid)
+        return time.monotonic(), value
 
     def longest_gap(self, seconds, until=None):
-        """Polls for `seconds` (or until `until(reply)` holds, at most 120 s); gives the longest gap."""
+        """Polls for `seconds` (or until `until(value)` holds, at most 120 s); gives the longest gap."""
         # From before the first request: a reload that holds the agent delays its answer.
         last = start = time.monotonic()
         gap = 0.0
         done_at = None
         while True:
-            now, reply = self.ask()
+            now, value = self.ask()
             gap = max(gap, now - last)
             last = now
-            if until and done_at is None and until(reply):
+            if until and done_at is None and until(value):
                 done_at = now - start
             if (until is None and now - start >= seconds) or (until and done_at is not None
                                                                and now - start >= done_at + 0.5):
@@ -129,18 +85,15 @@ def run(build, neighbours, workdir):
         deadline = time.monotonic() + 300
         while time.monotonic() < deadline:
             try:
-                poller.sock.settimeout(1.0)
-                _, reply = poller.ask()
-                if b"nbr-1-1" in reply:
+                if poller.ask()[1] == b"nbr-1-1":
                     break
-            except (RuntimeError, ConnectionRefusedError):
+            except (TimeoutError, ConnectionRefusedError):
                 time.sleep(0.2)
-        poller.sock.settimeout(5.0)
         quiet, _ = poller.longest_gap(1.0)
         scenario = changed(json.loads(path.read_text()))
         path.write_text(json.dumps(scenario, separators=(",", ":")))
         agent.send_signal(signal.SIGHUP)
-        gap, applied = poller.longest_gap(0, until=lambda reply: b"nbr-1-1-changed" in reply)
+        gap, applied = poller.longest_gap(0, until=lambda value: value == b"nbr-1-1-changed")
         return quiet, gap, applied
     finally:
         agent.terminate()
