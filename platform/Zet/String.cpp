@@ -1,33 +1,31 @@
 #include "Zet/String.h"
 
 #include <cstring>
+#include <limits>
 #include <new>
 #include <ostream>
 
+#include "Zet/Assert.h"
+
 namespace Zet {
 
-String::Rep* String::Rep::make(std::string_view bytes) {
+String::String(std::string_view bytes) {
+  if (bytes.empty()) {
+    return;
+  }
+  ZET_ASSERT(bytes.size() <= std::numeric_limits<std::uint32_t>::max());
   void* const block = ::operator new(sizeof(Rep) + bytes.size() + 1);
-  Rep* const rep = ::new (block) Rep(bytes.size());
+  Rep* const rep = ::new (block) Rep{{1}, static_cast<std::uint32_t>(bytes.size())};
   char* const data = static_cast<char*>(block) + sizeof(Rep);
   std::memcpy(data, bytes.data(), bytes.size());
   data[bytes.size()] = '\0';
-  return rep;
+  rep_ = rep;
 }
 
-void String::Rep::handleZeroRef() const {
-  Rep* const self = const_cast<Rep*>(this);
-  self->~Rep();
-  ::operator delete(static_cast<void*>(self));
+void String::destroy(Rep const* rep) {
+  rep->~Rep();
+  ::operator delete(const_cast<void*>(static_cast<void const*>(rep)));
 }
-
-String::String(std::string_view bytes) {
-  if (!bytes.empty()) {
-    rep_ = Ptr<Rep const>(Rep::make(bytes));
-  }
-}
-
-char const* String::charPtr() const { return rep_ ? rep_->data() : ""; }
 
 String operator+(String const& a, std::string_view b) {
   std::string s(a.view());
