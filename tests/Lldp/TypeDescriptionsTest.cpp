@@ -148,6 +148,19 @@ TEST(TypeDescriptions, ValueTypesAreMadeAndReadThroughTheirDescriptions) {
   EXPECT_EQ(valueTypes, 13);
 }
 
+// A description that contradicts its kind ends the process with the assertion's own text.
+TEST(TypeDescriptionsDeathTest, PointerAdjustmentAssertsWhatEachKindOfTypeIs) {
+  Zet::ZetType polymorphicValue = Lldp::Snmp::RemoteVlanName::_zetType;
+  polymorphicValue.polymorphic = true;
+  Zet::ZetType plainEntity = Root::_zetType;
+  plainEntity.polymorphic = false;
+  int object = 0;
+  EXPECT_DEATH(Zet::GenericIfImpl::voidPtrIs(&object, &polymorphicValue, &Root::_zetType),
+               "Assertion `!t->isPolymorphic\\(\\)' failed");
+  EXPECT_DEATH(Zet::GenericIfImpl::voidPtrIs(&object, &plainEntity, &Root::_zetType),
+               "Assertion `type->isPolymorphic\\(\\)' failed");
+}
+
 TEST(TypeDescriptions, NullVlanNameKeyIsVlanOne) {
   RemoteVlanNameKey key(EthPortId(4), 9, Bridging::VlanId(7));
   RemoteVlanNameKey::_zetType.valueMethods->genericIfConstruct(&key, nullptr);
