@@ -10,7 +10,15 @@
 
 namespace Ringlog {
 
-Log::Log(std::size_t capacity) : lines_(capacity) { ZET_ASSERT(capacity > 0); }
+Log::Log(std::size_t capacity) : lines_(capacity) {
+  ZET_ASSERT(capacity > 0);
+  // Room for a usual line in every slot from the start: the ring's memory is
+  // then one cost at start-up, not one that grows with what the agent serves
+  // until the ring is full.
+  for (Line& line : lines_) {
+    line.text.reserve(usualLineBytes);
+  }
+}
 
 Log::Line& Log::nextSlot(int level) {
   Line& line = lines_[next_];

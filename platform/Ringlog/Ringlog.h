@@ -23,6 +23,8 @@
 namespace Ringlog {
 
 inline constexpr std::size_t defaultCapacity = 4096;
+// The text a slot holds without growing; longer lines make their slot grow.
+inline constexpr std::size_t usualLineBytes = 160;
 // The level block timers record at unless told otherwise.
 inline constexpr int timerLevel = 8;
 
