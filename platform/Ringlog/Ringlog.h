@@ -24,7 +24,7 @@ namespace Ringlog {
 
 inline constexpr std::size_t defaultCapacity = 4096;
 // The text a slot holds without growing; longer lines make their slot grow.
-inline constexpr std::size_t usualLineBytes = 160;
+inline constexpr std::size_t usualLineBytes = 288;
 // The level block timers record at unless told otherwise.
 inline constexpr int timerLevel = 8;
 
