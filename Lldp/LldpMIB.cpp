@@ -55,9 +55,9 @@ Lldp::Config const& config(void const* e) { return *static_cast<Lldp::Config con
 Lldp::AllStatus const& status(void const* e) { return *static_cast<Lldp::AllStatus const*>(e); }
 Lldp::LocalSystem const& local(void const* e) { return *static_cast<Lldp::LocalSystem const*>(e); }
 
-constexpr char const* configPath = "Statebase/l2discovery/lldp/config";
-constexpr char const* statusPath = "Statebase/l2discovery/lldp/status/all";
-constexpr char const* localPath = "Statebase/l2discovery/lldp/localSystem";
+constexpr char const* configPath = Lldp::Config::path;
+constexpr char const* statusPath = Lldp::AllStatus::path;
+constexpr char const* localPath = Lldp::LocalSystem::path;
 constexpr int noLength = -1;
 
 #define LLDP_READER(expression) [](void const* e, unsigned char* b, int n) { return expression; }

@@ -39,6 +39,8 @@ class ValueHolder : public Zet::PtrInterface, public Zet::RbTreeNode {
 
 class Root : public Zet::Entity {
  public:
+  // Where the host mounts it for the tables to find.
+  static constexpr char const* path = "snmp/lldp/root";
   static Zet::ZetType const _zetType;
   Zet::ZetType const* fwkType() const override { return &_zetType; }
   using ZetRemoteManagementAddress = ValueHolder<RemoteManagementAddress>;

@@ -32,7 +32,7 @@ Zet::TraceHandle const& _defaultTraceHandle() {
   return handle;
 }
 
-constexpr char const* rootPath = "snmp/lldp/root";
+constexpr char const* rootPath = Lldp::Snmp::Root::path;
 
 }  // namespace
 

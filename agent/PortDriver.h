@@ -23,7 +23,7 @@
 
 class PortDriver : private Reconciler::PortObserver {
  public:
-  static constexpr char const* rootPath = "snmp/lldp/root";
+  static constexpr char const* rootPath = Lldp::Snmp::Root::path;
 
   // Makes the Root and mounts it, so that the plug-in's tables find it.
   PortDriver();

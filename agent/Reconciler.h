@@ -31,9 +31,9 @@
 
 class Reconciler {
  public:
-  static constexpr char const* configPath = "Statebase/l2discovery/lldp/config";
-  static constexpr char const* statusPath = "Statebase/l2discovery/lldp/status/all";
-  static constexpr char const* localSystemPath = "Statebase/l2discovery/lldp/localSystem";
+  static constexpr char const* configPath = Lldp::Config::path;
+  static constexpr char const* statusPath = Lldp::AllStatus::path;
+  static constexpr char const* localSystemPath = Lldp::LocalSystem::path;
 
   // A port as the state holds it. The host pairs name and number with these
   // entities when it makes the port's rows.

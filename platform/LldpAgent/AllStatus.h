@@ -15,6 +15,9 @@ namespace Lldp {
 
 class AllStatus : public StatusBase {
  public:
+  // Where the state database holds it.
+  static constexpr char const* path = "Statebase/l2discovery/lldp/status/all";
+
   class NotifieeConst : public StatusBase::NotifieeConst {
    public:
     LLDP_NOTIFIEE_SLOTS(LLDP_ALL_STATUS_ATTRIBUTES)

@@ -19,6 +19,9 @@ namespace Lldp {
 
 class Config : public Zet::Entity {
  public:
+  // Where the state database holds it.
+  static constexpr char const* path = "Statebase/l2discovery/lldp/config";
+
   class NotifieeConst : public Zet::Entity::NotifieeConst {
    public:
     LLDP_NOTIFIEE_SLOTS(LLDP_CONFIG_ATTRIBUTES)

@@ -32,6 +32,9 @@ namespace Lldp {
 
 class LocalSystem : public Zet::Entity {
  public:
+  // Where the state database holds it.
+  static constexpr char const* path = "Statebase/l2discovery/lldp/localSystem";
+
   class NotifieeConst : public Zet::Entity::NotifieeConst {
    public:
     LLDP_NOTIFIEE_SLOTS(LLDP_LOCAL_SYSTEM_ATTRIBUTES)
