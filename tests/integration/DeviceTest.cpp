@@ -24,7 +24,7 @@
 namespace {
 
 std::string const& data = integrationData;
-std::string const golden = std::string(LLDP_SNMP_SOURCE_DIR) + "/tests/integration/expected/device.json";
+std::string const golden = integrationExpected + "device.json";
 
 char const* const sysUpTime = "1.3.6.1.2.1.1.3.0";
 char const* const sysName = "1.3.6.1.2.1.1.5.0";

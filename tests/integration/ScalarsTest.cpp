@@ -97,18 +97,6 @@ TEST_F(Scalars, SetUnderTheReadOnlyCommunityIsRefusedAsNoAccess) {
   EXPECT_EQ(r.errorStatus, SNMP_ERR_NOACCESS);
 }
 
-TEST_F(Scalars, WalkMatchesTheTypesOfTheMibModules) {
-  int status = 0;
-  std::string const output =
-      walkWithMibs(agent_->peer(), "LLDP-MIB::lldpObjects", &status);
-  EXPECT_EQ(status, 0) << output;
-  EXPECT_EQ(output.find("Wrong Type"), std::string::npos) << output;
-  EXPECT_NE(output.find("LLDP-MIB::lldpNotificationInterval.0 = INTEGER: 5"), std::string::npos) << output;
-  EXPECT_NE(output.find("LLDP-MIB::lldpLocSysCapSupported.0 = BITS: 28 00 bridge(2) router(4)"), std::string::npos)
-      << output;
-  EXPECT_NE(output.find("LLDP-MIB::lldpStatsRemTablesAgeouts.0 = Gauge32: 4294967295"), std::string::npos) << output;
-}
-
 TEST(ScalarsOfAnEmptyChassisId, ChassisIdIsAGenErrWhileAnEmptySysNameIsServed) {
   AgentProcess agent({"--scenario", data + "empty-chassis-id.json"});
   SnmpClient client(agent.peer(), "public");

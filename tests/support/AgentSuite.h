@@ -17,6 +17,8 @@
 #include "SnmpClient.h"
 
 inline std::string const integrationData = std::string(LLDP_SNMP_SOURCE_DIR) + "/tests/integration/data/";
+// Expected walks, read by readGoldenTables.
+inline std::string const integrationExpected = std::string(LLDP_SNMP_SOURCE_DIR) + "/tests/integration/expected/";
 
 template <class Suite>
 class AgentSuite : public testing::Test {
