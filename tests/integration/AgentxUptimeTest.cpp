@@ -39,7 +39,7 @@ class AgentxUptime : public testing::Test {
   }
 
   // A TimeTicks scalar through the master; -1 when it cannot be read.
-  static long ticks(MasterSnmpd const& master, char const* oid) {
+  static long ticks(Snmpd const& master, char const* oid) {
     SnmpClient client(master.peer(), "public");
     auto const response = client.get({oid});
     if (response.timedOut || response.errorStatus != SNMP_ERR_NOERROR || response.varBinds.size() != 1 ||
@@ -51,7 +51,7 @@ class AgentxUptime : public testing::Test {
 
   // The neighbour's lldpRemSysName as a request under lldpRemTimeMark `mark`
   // sees it (port 1, index 1); empty when the row is filtered out or absent.
-  static std::string sysNameAtMark(MasterSnmpd const& master, long mark) {
+  static std::string sysNameAtMark(Snmpd const& master, long mark) {
     SnmpClient client(master.peer(), "public");
     auto const response = client.get({std::string(remSysNameColumn) + "." + std::to_string(mark) + ".1.1"});
     if (response.timedOut || response.varBinds.size() != 1 || response.varBinds[0].type != ASN_OCTET_STR) {
@@ -62,7 +62,7 @@ class AgentxUptime : public testing::Test {
 
   // Renames the neighbour by a reload; checks that the change is stamped on
   // the master's clock, between its sysUpTime before and after.
-  void expectChangeOnMastersClock(MasterSnmpd const& master, AgentProcess& agent, std::string const& sysName) {
+  void expectChangeOnMastersClock(Snmpd const& master, AgentProcess& agent, std::string const& sysName) {
     long const before = ticks(master, sysUpTimeOid);
     ASSERT_GE(before, 0);
     writeFile(scenarioPath_, scenarioNaming(sysName));
@@ -83,7 +83,7 @@ class AgentxUptime : public testing::Test {
 };
 
 TEST_F(AgentxUptime, ChangeTimesFollowTheMastersUptimeAlsoAfterItRestarts) {
-  MasterSnmpd master;
+  Snmpd master;
   // Up well before the agent, so that its clock and the agent's differ by seconds.
   ASSERT_TRUE(waitUntil([&] { return ticks(master, sysUpTimeOid) >= 200; }, 10.0));
   AgentProcess agent({"--scenario", scenarioPath_, "--no-notifications"}, master);

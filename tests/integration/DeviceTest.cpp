@@ -108,7 +108,7 @@ TEST(DeviceReload, SystemAndInterfacesFollowTheFileAndCountOnTheLldpClock) {
 }
 
 TEST(DeviceUnderSnmpd, OnlyTheLldpModulesRowsReachTheMaster) {
-  MasterSnmpd master;
+  Snmpd master;
   AgentProcess agent({"--scenario", data + "device.json"}, master);
   SnmpClient client(master.peer(), "public");
   auto const descriptions = lldpModuleDescriptions();
@@ -127,7 +127,7 @@ TEST(AgentAsMaster, AnswersForSnmpdAsItsSubagentAcrossSnmpdRestarts) {
   std::string const socket = directory + "/agentx";
   writeFile(directory + "/agent.conf", "master agentx\nagentXSocket " + socket + "\n");
   AgentProcess agent({"--scenario", data + "device.json", "--config", directory + "/agent.conf"});
-  SubagentSnmpd snmpd(socket);
+  Snmpd snmpd(socket);
   SnmpClient client(agent.peer(), "public");
   // snmpd registers its modules one after another: the host resources and UCD objects, and its sysORTable rows.
   auto const snmpdAnswers = [&] {

@@ -155,7 +155,7 @@ AgentProcess::AgentProcess(std::vector<std::string> const& arguments)
   start(std::move(words));
 }
 
-AgentProcess::AgentProcess(std::vector<std::string> const& arguments, MasterSnmpd const& master)
+AgentProcess::AgentProcess(std::vector<std::string> const& arguments, Snmpd const& master)
     : port_(master.port()), directory_(makeTempDirectory()) {
   std::vector<std::string> words{LLDP_SNMP_AGENT_PATH, "--agentx", master.agentxSocket(), "--persistent-dir",
                                  directory_};
@@ -227,36 +227,34 @@ AgentRun runAgentToEnd(std::vector<std::string> const& arguments) {
   return run;
 }
 
-MasterSnmpd::MasterSnmpd() : port_(freeUdpPort()), directory_(makeTempDirectory()) {
+Snmpd::Snmpd(std::string masterSocket) : masterSocket_(std::move(masterSocket)), directory_(makeTempDirectory()) {
   std::filesystem::create_directory(directory_ + "/persistent");
-  writeFile(directory_ + "/snmpd.conf", "master agentx\nagentXSocket " + agentxSocket() +
-                                            "\nrocommunity public 127.0.0.1\n");
+  if (masterSocket_.empty()) {
+    port_ = freeUdpPort();
+    writeFile(directory_ + "/snmpd.conf",
+              "master agentx\nagentXSocket " + agentxSocket() + "\nrocommunity public 127.0.0.1\n");
+  } else {
+    writeFile(directory_ + "/snmpd.conf", "agentXSocket " + masterSocket_ + "\nagentxPingInterval 1\n");
+  }
   start();
 }
 
-MasterSnmpd::~MasterSnmpd() {
+Snmpd::~Snmpd() {
   stop();
   std::error_code ec;
   std::filesystem::remove_all(directory_, ec);
 }
 
-void MasterSnmpd::restart() {
-  stop();
-  start();
-}
-
-void MasterSnmpd::start() {
+void Snmpd::start() {
   // The environment of the child: its own persistent store, no MIB files to parse.
-  std::vector<std::string> words{"/usr/bin/env",
-                                 "SNMP_PERSISTENT_DIR=" + directory_ + "/persistent",
-                                 "MIBS=",
-                                 "/usr/sbin/snmpd",
-                                 "-f",
-                                 "-C",
-                                 "-c",
-                                 directory_ + "/snmpd.conf",
-                                 "-Le",
-                                 "udp:127.0.0.1:" + std::to_string(port_)};
+  std::vector<std::string> words{"/usr/bin/env", "SNMP_PERSISTENT_DIR=" + directory_ + "/persistent", "MIBS=",
+                                 "/usr/sbin/snmpd", "-f", "-C", "-c", directory_ + "/snmpd.conf", "-Le"};
+  if (!masterSocket_.empty()) {
+    words.push_back("-X");
+    pid_ = spawn(words, directory_ + "/stderr");
+    return;
+  }
+  words.push_back("udp:127.0.0.1:" + std::to_string(port_));
   pid_ = spawn(words, directory_ + "/stderr");
   SnmpClient client(peer(), "public", 50000, 0);
   for (int attempt = 0; attempt < 200; ++attempt) {
@@ -272,52 +270,11 @@ void MasterSnmpd::start() {
   throw std::runtime_error("snmpd did not answer: " + readFile(directory_ + "/stderr"));
 }
 
-void MasterSnmpd::stop() {
-  if (pid_ <= 0) {
-    return;
+void Snmpd::stop() {
+  if (pid_ > 0) {
+    stopChild(pid_, SIGTERM);
+    pid_ = -1;
   }
-  stopChild(pid_, SIGTERM);
-  pid_ = -1;
-}
-
-SubagentSnmpd::SubagentSnmpd(std::string agentxSocket)
-    : agentxSocket_(std::move(agentxSocket)), directory_(makeTempDirectory()) {
-  std::filesystem::create_directory(directory_ + "/persistent");
-  writeFile(directory_ + "/snmpd.conf", "agentXSocket " + agentxSocket_ + "\nagentxPingInterval 1\n");
-  start();
-}
-
-SubagentSnmpd::~SubagentSnmpd() {
-  stop();
-  std::error_code ec;
-  std::filesystem::remove_all(directory_, ec);
-}
-
-void SubagentSnmpd::start() {
-  std::vector<std::string> words{"/usr/bin/env",
-                                 "SNMP_PERSISTENT_DIR=" + directory_ + "/persistent",
-                                 "MIBS=",
-                                 "/usr/sbin/snmpd",
-                                 "-f",
-                                 "-X",
-                                 "-C",
-                                 "-c",
-                                 directory_ + "/snmpd.conf",
-                                 "-Le"};
-  pid_ = spawn(words, directory_ + "/stderr");
-}
-
-void SubagentSnmpd::stop() {
-  if (pid_ <= 0) {
-    return;
-  }
-  kill(pid_, SIGTERM);
-  int status = waitFor(pid_, 10.0);
-  if (status == -1) {
-    kill(pid_, SIGKILL);
-    waitpid(pid_, &status, 0);
-  }
-  pid_ = -1;
 }
 
 std::vector<std::string> listeningSockets(pid_t pid) {

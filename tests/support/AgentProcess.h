@@ -8,7 +8,7 @@
 
 #include <sys/types.h>
 
-class MasterSnmpd;
+class Snmpd;
 
 class AgentProcess {
  public:
@@ -16,7 +16,7 @@ class AgentProcess {
   // and waits (bounded) until it answers SNMP.
   explicit AgentProcess(std::vector<std::string> const& arguments);
   // The same as an AgentX sub-agent of `master`, which then answers for it.
-  AgentProcess(std::vector<std::string> const& arguments, MasterSnmpd const& master);
+  AgentProcess(std::vector<std::string> const& arguments, Snmpd const& master);
   ~AgentProcess();
   AgentProcess(AgentProcess const&) = delete;
   AgentProcess& operator=(AgentProcess const&) = delete;
@@ -40,46 +40,34 @@ class AgentProcess {
   std::string directory_;
 };
 
-// A private snmpd as AgentX master on a free loopback UDP port (community
-// "public"), its AgentX socket a file of its own; stopped when the object goes.
-class MasterSnmpd {
+// A private snmpd, stopped when the object goes: with no socket given, an
+// AgentX master on a free loopback UDP port (community "public") with an AgentX
+// socket of its own; given the socket of a master, an AgentX sub-agent of it
+// (snmpd -X, pinging every second) whose objects (the host resources, UCD
+// objects, ...) answer through that master.
+class Snmpd {
  public:
-  // Starts it and waits (bounded) until it answers.
-  MasterSnmpd();
-  ~MasterSnmpd();
-  MasterSnmpd(MasterSnmpd const&) = delete;
-  MasterSnmpd& operator=(MasterSnmpd const&) = delete;
+  // Starts it; a master is waited for (bounded) until it answers.
+  explicit Snmpd(std::string masterSocket = {});
+  ~Snmpd();
+  Snmpd(Snmpd const&) = delete;
+  Snmpd& operator=(Snmpd const&) = delete;
 
   std::string peer() const { return "udp:127.0.0.1:" + std::to_string(port_); }
   int port() const { return port_; }
-  std::string agentxSocket() const { return directory_ + "/agentx"; }
-  // Stops it and starts a new one on the same port and socket: its sysUpTime starts again.
-  void restart();
-
- private:
+  // A master's own socket, or the master's that a sub-agent uses.
+  std::string agentxSocket() const { return masterSocket_.empty() ? directory_ + "/agentx" : masterSocket_; }
   void start();
   void stop();
-
-  int port_;
-  pid_t pid_ = -1;
-  std::string directory_;
-};
-
-// A private snmpd as an AgentX sub-agent (snmpd -X) of the master at
-// `agentxSocket`, pinging it every second; stopped when the object goes.
-// Its objects (the host resources, UCD objects, ...) answer through that master.
-class SubagentSnmpd {
- public:
-  explicit SubagentSnmpd(std::string agentxSocket);
-  ~SubagentSnmpd();
-  SubagentSnmpd(SubagentSnmpd const&) = delete;
-  SubagentSnmpd& operator=(SubagentSnmpd const&) = delete;
-
-  void start();
-  void stop();
+  // Stops it and starts a new one on the same port and socket: a master's sysUpTime starts again.
+  void restart() {
+    stop();
+    start();
+  }
 
  private:
-  std::string agentxSocket_;
+  std::string masterSocket_;
+  int port_ = 0;
   pid_t pid_ = -1;
   std::string directory_;
 };
