@@ -64,7 +64,9 @@ std::vector<Json> listOf(Json const& json) {
   return {json};
 }
 
-std::string macBytes(std::string const& text) {
+// Hex pairs with one separator between them, as lldpcli writes a MAC
+// address ("02:00:5e:00:53:10") or a protocol identity ("88 8e"), as bytes.
+std::string pairBytes(std::string const& text) {
   std::string bytes;
   for (std::size_t i = 0; i + 1 < text.size(); i += 3) {
     bytes.push_back(static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16)));
@@ -111,15 +113,6 @@ Json neighbourNamed(Json const& shown, std::string const& name) {
     }
   }
   return nullptr;
-}
-
-// "88 8e" as bytes.
-std::string spacedBytes(std::string const& text) {
-  std::string bytes;
-  for (std::size_t i = 0; i + 1 < text.size(); i += 3) {
-    bytes.push_back(static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16)));
-  }
-  return bytes;
 }
 
 // lldpcli's advertised modes as ifMauAutoNegCapAdvertisedBits, served as BITS.
@@ -235,9 +228,9 @@ TEST_F(LldpdFeed, TheFarEndIsInEveryTableWithWhatLldpcliShows) {
                                remEntry + "11." + row, remEntry + "12." + row});
   ASSERT_EQ(r.varBinds.size(), 8u);
   EXPECT_EQ(r.varBinds[0].integer, chassisSubtype(chassis["id"]["type"]));
-  EXPECT_EQ(r.varBinds[1].bytes, macBytes(chassis["id"]["value"]));
+  EXPECT_EQ(r.varBinds[1].bytes, pairBytes(chassis["id"]["value"]));
   EXPECT_EQ(r.varBinds[2].integer, portSubtype(port["id"]["type"]));
-  EXPECT_EQ(r.varBinds[3].bytes, macBytes(port["id"]["value"]));
+  EXPECT_EQ(r.varBinds[3].bytes, pairBytes(port["id"]["value"]));
   EXPECT_EQ(r.varBinds[4].bytes, port["descr"].get<std::string>());
   EXPECT_EQ(r.varBinds[5].bytes, chassis["descr"].get<std::string>());
   EXPECT_EQ(r.varBinds[6].bytes, capabilityBits(chassis["capability"], false));
@@ -350,7 +343,7 @@ TEST_F(LldpdFeed, The8021And8023TlvsOfANeighbourAreInTheirTablesAsLldpcliShowsTh
   EXPECT_EQ(r.varBinds[1].bytes, vlan["value"].get<std::string>());
   EXPECT_EQ(r.varBinds[2].integer, ppvid["supported"].get<bool>() ? 1 : 2);
   EXPECT_EQ(r.varBinds[3].integer, ppvid["enabled"].get<bool>() ? 1 : 2);
-  EXPECT_EQ(r.varBinds[4].bytes, spacedBytes(bench["pi"].get<std::string>()));
+  EXPECT_EQ(r.varBinds[4].bytes, pairBytes(bench["pi"].get<std::string>()));
   EXPECT_EQ(r.varBinds[5].bytes, advertisedBits(port["auto-negotiation"]["advertised"]));
   // lldpd keeps the aggregate's ID alone: an aggregated port is capable and enabled.
   EXPECT_EQ(r.varBinds[6].bytes, std::string("\xc0", 1));
@@ -371,13 +364,13 @@ TEST_F(LldpdFeed, TheLocalTablesAreWhatLldpcliShowsOfTheNearSide) {
                                locPortEntry + "3." + port, locPortEntry + "4." + port, portConfigAdminStatus + port});
   ASSERT_EQ(r.varBinds.size(), 10u);
   EXPECT_EQ(r.varBinds[0].integer, chassisSubtype(local["id"]["type"]));
-  EXPECT_EQ(r.varBinds[1].bytes, macBytes(local["id"]["value"]));
+  EXPECT_EQ(r.varBinds[1].bytes, pairBytes(local["id"]["value"]));
   EXPECT_EQ(r.varBinds[2].bytes, name);
   EXPECT_EQ(r.varBinds[3].bytes, local["descr"].get<std::string>());
   EXPECT_EQ(r.varBinds[4].bytes, capabilityBits(local["capability"], false));
   EXPECT_EQ(r.varBinds[5].bytes, capabilityBits(local["capability"], true));
   EXPECT_EQ(r.varBinds[6].integer, portSubtype(interface["port"]["id"]["type"]));
-  EXPECT_EQ(r.varBinds[7].bytes, macBytes(interface["port"]["id"]["value"]));
+  EXPECT_EQ(r.varBinds[7].bytes, pairBytes(interface["port"]["id"]["value"]));
   EXPECT_EQ(r.varBinds[8].bytes, interface["port"]["descr"].get<std::string>());
   ASSERT_EQ(interface["status"], "RX and TX");
   EXPECT_EQ(r.varBinds[9].integer, 3);  // txAndRx
