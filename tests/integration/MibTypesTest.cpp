@@ -1,7 +1,7 @@
 // What a manager with the IEEE MIB modules loaded sees of the agent: net-snmp's
 // snmpwalk checks every served type against the modules ("Wrong Type" where
 // they differ) and names BITS and enumerations as the modules do. The walks
-// and the lines each must show are in tests/integration/data/mib-walks.json.
+// and the lines each must show are in tests/integration/expected/mib-walks.json.
 
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@
 namespace {
 
 TEST(MibTypes, EveryScenarioWalksWithTheTypesAndNamesOfTheModules) {
-  std::ifstream in(integrationData + "mib-walks.json");
+  std::ifstream in(integrationExpected + "mib-walks.json");
   auto const walks = nlohmann::json::parse(in).at("walks");
   ASSERT_FALSE(walks.empty());
   for (auto const& walk : walks) {
