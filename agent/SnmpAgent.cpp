@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -145,12 +146,23 @@ void SnmpAgent::processOnce(bool poll) { agent_check_and_process(poll ? 0 : 1); 
 double SnmpAgent::uptimeOrigin() {
   // From net-snmp's start time itself: the uptime's whole ticks would put the
   // origin up to a tick late, and a change just after a reading of sysUpTime
-  // would seem to come before it.
-  // net-snmp 5.9 keeps it on the wall clock.
-  timeval now{};
-  gettimeofday(&now, nullptr);
+  // would seem to come before it. net-snmp 5.9 keeps the start on the wall
+  // clock; the clock that agrees with the uptime is the one it uses.
   auto const* const start = static_cast<timeval const*>(netsnmp_get_agent_starttime());
-  double const running = static_cast<double>(now.tv_sec - start->tv_sec) +
-                         static_cast<double>(now.tv_usec - start->tv_usec) / 1e6;
+  auto const since = [start](timeval const& now) {
+    return static_cast<double>(now.tv_sec - start->tv_sec) + static_cast<double>(now.tv_usec - start->tv_usec) / 1e6;
+  };
+  double const ticks = static_cast<double>(netsnmp_get_agent_uptime()) / 100.0;
+  timeval wall{};
+  gettimeofday(&wall, nullptr);
+  timeval monotonic{};
+  netsnmp_get_monotonic_clock(&monotonic);
+  double running = ticks;
+  for (double const candidate : {since(wall), since(monotonic)}) {
+    if (std::abs(candidate - ticks) < 0.05) {
+      running = candidate;
+      break;
+    }
+  }
   return Zet::System::currentTime() - running;
 }
