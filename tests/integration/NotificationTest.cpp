@@ -27,13 +27,6 @@ namespace {
 // How snmptrapd -On prints the bindings of lldpRemTablesChange.
 std::string const trapOidBinding = ".1.3.6.1.6.3.1.1.4.1.0 = OID: .1.0.8802.1.1.2.0.0.1";
 
-std::string readFile(std::string const& path) {
-  std::ifstream in(path);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
 // The lines of `text` that hold `part`.
 std::vector<std::string> linesWith(std::string const& text, std::string const& part) {
   std::vector<std::string> result;

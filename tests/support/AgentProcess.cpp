@@ -54,13 +54,6 @@ pid_t spawn(std::vector<std::string> words, std::string const& stderrPath, std::
   return pid;
 }
 
-std::string readFile(std::string const& path) {
-  std::ifstream in(path);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
 // Waits up to `seconds` for `pid`; gives its wait status or -1.
 int waitFor(pid_t pid, double seconds) {
   auto const deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
@@ -136,6 +129,27 @@ void writeFile(std::string const& path, std::string const& text) {
   out << text;
 }
 
+std::string readFile(std::string const& path) {
+  std::ifstream in(path);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+ScenarioFile::ScenarioFile(std::string const& text) : directory_(makeTempDirectory()), path_(directory_ + "/lab.json") {
+  writeFile(path_, text);
+}
+
+ScenarioFile::~ScenarioFile() {
+  std::error_code ec;
+  std::filesystem::remove_all(directory_, ec);
+}
+
+void ScenarioFile::reload(AgentProcess const& agent, std::string const& text) const {
+  writeFile(path_, text);
+  agent.sendSignal(SIGHUP);
+}
+
 bool waitUntil(std::function<bool()> const& done, double seconds) {
   auto const rounds = static_cast<int>(seconds * 50);
   for (int round = 0; round < rounds; ++round) {
@@ -155,7 +169,7 @@ AgentProcess::AgentProcess(std::vector<std::string> const& arguments)
   start(std::move(words));
 }
 
-AgentProcess::AgentProcess(std::vector<std::string> const& arguments, MasterSnmpd const& master)
+AgentProcess::AgentProcess(std::vector<std::string> const& arguments, Snmpd const& master)
     : port_(master.port()), directory_(makeTempDirectory()) {
   std::vector<std::string> words{LLDP_SNMP_AGENT_PATH, "--agentx", master.agentxSocket(), "--persistent-dir",
                                  directory_};
@@ -227,37 +241,33 @@ AgentRun runAgentToEnd(std::vector<std::string> const& arguments) {
   return run;
 }
 
-MasterSnmpd::MasterSnmpd() : port_(freeUdpPort()), directory_(makeTempDirectory()) {
+Snmpd::Snmpd(std::string masterSocket)
+    : masterSocket_(std::move(masterSocket)),
+      port_(masterSocket_.empty() ? freeUdpPort() : 0),
+      directory_(makeTempDirectory()) {
   std::filesystem::create_directory(directory_ + "/persistent");
-  writeFile(directory_ + "/snmpd.conf", "master agentx\nagentXSocket " + agentxSocket() +
-                                            "\nrocommunity public 127.0.0.1\n");
+  writeFile(directory_ + "/snmpd.conf", masterSocket_.empty()
+                                            ? "master agentx\nagentXSocket " + agentxSocket() +
+                                                  "\nrocommunity public 127.0.0.1\n"
+                                            : "agentXSocket " + masterSocket_ + "\nagentxPingInterval 1\n");
   start();
 }
 
-MasterSnmpd::~MasterSnmpd() {
+Snmpd::~Snmpd() {
   stop();
   std::error_code ec;
   std::filesystem::remove_all(directory_, ec);
 }
 
-void MasterSnmpd::restart() {
-  stop();
-  start();
-}
-
-void MasterSnmpd::start() {
-  // The environment of the child: its own persistent store, no MIB files to parse.
-  std::vector<std::string> words{"/usr/bin/env",
-                                 "SNMP_PERSISTENT_DIR=" + directory_ + "/persistent",
-                                 "MIBS=",
-                                 "/usr/sbin/snmpd",
-                                 "-f",
-                                 "-C",
-                                 "-c",
-                                 directory_ + "/snmpd.conf",
-                                 "-Le",
-                                 "udp:127.0.0.1:" + std::to_string(port_)};
+void Snmpd::start() {
+  // Its own persistent store, no MIB files to parse.
+  std::vector<std::string> words{"/usr/bin/env", "SNMP_PERSISTENT_DIR=" + directory_ + "/persistent", "MIBS=",
+                                 "/usr/sbin/snmpd", "-f", "-C", "-c", directory_ + "/snmpd.conf", "-Le"};
+  words.push_back(masterSocket_.empty() ? peer() : "-X");
   pid_ = spawn(words, directory_ + "/stderr");
+  if (!masterSocket_.empty()) {
+    return;
+  }
   SnmpClient client(peer(), "public", 50000, 0);
   for (int attempt = 0; attempt < 200; ++attempt) {
     int status = 0;
@@ -272,50 +282,9 @@ void MasterSnmpd::start() {
   throw std::runtime_error("snmpd did not answer: " + readFile(directory_ + "/stderr"));
 }
 
-void MasterSnmpd::stop() {
-  if (pid_ <= 0) {
-    return;
-  }
-  stopChild(pid_, SIGTERM);
-  pid_ = -1;
-}
-
-SubagentSnmpd::SubagentSnmpd(std::string agentxSocket)
-    : agentxSocket_(std::move(agentxSocket)), directory_(makeTempDirectory()) {
-  std::filesystem::create_directory(directory_ + "/persistent");
-  writeFile(directory_ + "/snmpd.conf", "agentXSocket " + agentxSocket_ + "\nagentxPingInterval 1\n");
-  start();
-}
-
-SubagentSnmpd::~SubagentSnmpd() {
-  stop();
-  std::error_code ec;
-  std::filesystem::remove_all(directory_, ec);
-}
-
-void SubagentSnmpd::start() {
-  std::vector<std::string> words{"/usr/bin/env",
-                                 "SNMP_PERSISTENT_DIR=" + directory_ + "/persistent",
-                                 "MIBS=",
-                                 "/usr/sbin/snmpd",
-                                 "-f",
-                                 "-X",
-                                 "-C",
-                                 "-c",
-                                 directory_ + "/snmpd.conf",
-                                 "-Le"};
-  pid_ = spawn(words, directory_ + "/stderr");
-}
-
-void SubagentSnmpd::stop() {
-  if (pid_ <= 0) {
-    return;
-  }
-  kill(pid_, SIGTERM);
-  int status = waitFor(pid_, 10.0);
-  if (status == -1) {
-    kill(pid_, SIGKILL);
-    waitpid(pid_, &status, 0);
+void Snmpd::stop() {
+  if (pid_ > 0) {
+    stopChild(pid_, SIGTERM);
   }
   pid_ = -1;
 }

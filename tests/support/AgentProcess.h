@@ -8,7 +8,7 @@
 
 #include <sys/types.h>
 
-class MasterSnmpd;
+class Snmpd;
 
 class AgentProcess {
  public:
@@ -16,7 +16,7 @@ class AgentProcess {
   // and waits (bounded) until it answers SNMP.
   explicit AgentProcess(std::vector<std::string> const& arguments);
   // The same as an AgentX sub-agent of `master`, which then answers for it.
-  AgentProcess(std::vector<std::string> const& arguments, MasterSnmpd const& master);
+  AgentProcess(std::vector<std::string> const& arguments, Snmpd const& master);
   ~AgentProcess();
   AgentProcess(AgentProcess const&) = delete;
   AgentProcess& operator=(AgentProcess const&) = delete;
@@ -40,46 +40,33 @@ class AgentProcess {
   std::string directory_;
 };
 
-// A private snmpd as AgentX master on a free loopback UDP port (community
-// "public"), its AgentX socket a file of its own; stopped when the object goes.
-class MasterSnmpd {
+// A private snmpd of its own configuration and persistent store, stopped when
+// the object goes. Without `masterSocket` it is an AgentX master on a free
+// loopback UDP port (community "public"), its AgentX socket a file of its own,
+// and answers once started; with one it is a sub-agent (snmpd -X) of that
+// master, pinging it every second, and its objects (host resources, UCD
+// objects, ...) answer through the master once it has registered.
+class Snmpd {
  public:
-  // Starts it and waits (bounded) until it answers.
-  MasterSnmpd();
-  ~MasterSnmpd();
-  MasterSnmpd(MasterSnmpd const&) = delete;
-  MasterSnmpd& operator=(MasterSnmpd const&) = delete;
+  explicit Snmpd(std::string masterSocket = "");
+  ~Snmpd();
+  Snmpd(Snmpd const&) = delete;
+  Snmpd& operator=(Snmpd const&) = delete;
 
   std::string peer() const { return "udp:127.0.0.1:" + std::to_string(port_); }
   int port() const { return port_; }
-  std::string agentxSocket() const { return directory_ + "/agentx"; }
-  // Stops it and starts a new one on the same port and socket: its sysUpTime starts again.
-  void restart();
-
- private:
+  std::string agentxSocket() const { return masterSocket_.empty() ? directory_ + "/agentx" : masterSocket_; }
   void start();
   void stop();
-
-  int port_;
-  pid_t pid_ = -1;
-  std::string directory_;
-};
-
-// A private snmpd as an AgentX sub-agent (snmpd -X) of the master at
-// `agentxSocket`, pinging it every second; stopped when the object goes.
-// Its objects (the host resources, UCD objects, ...) answer through that master.
-class SubagentSnmpd {
- public:
-  explicit SubagentSnmpd(std::string agentxSocket);
-  ~SubagentSnmpd();
-  SubagentSnmpd(SubagentSnmpd const&) = delete;
-  SubagentSnmpd& operator=(SubagentSnmpd const&) = delete;
-
-  void start();
-  void stop();
+  // Stops it and starts a new one on the same port and socket: a master's sysUpTime starts again.
+  void restart() {
+    stop();
+    start();
+  }
 
  private:
-  std::string agentxSocket_;
+  std::string masterSocket_;
+  int port_ = 0;
   pid_t pid_ = -1;
   std::string directory_;
 };
@@ -87,6 +74,24 @@ class SubagentSnmpd {
 // The TCP and UDP sockets that process `pid` listens on (or holds unconnected),
 // as "udp 127.0.0.1:1161" or "tcp6 [::]:199", from /proc/net.
 std::vector<std::string> listeningSockets(pid_t pid);
+
+// A scenario file in a directory of its own, removed when the object goes.
+class ScenarioFile {
+ public:
+  explicit ScenarioFile(std::string const& text);
+  ~ScenarioFile();
+  ScenarioFile(ScenarioFile const&) = delete;
+  ScenarioFile& operator=(ScenarioFile const&) = delete;
+
+  std::string const& path() const { return path_; }
+  std::string const& directory() const { return directory_; }
+  // Rewrites the file and has `agent` re-read it (SIGHUP); returns at once.
+  void reload(AgentProcess const& agent, std::string const& text) const;
+
+ private:
+  std::string directory_;
+  std::string path_;
+};
 
 // Runs the agent to its end with `arguments` (no --listen added) and gives the
 // exit code and what it wrote; for runs that must end at start.
@@ -108,5 +113,7 @@ std::string makeTempDirectory();
 std::string runCommand(std::string const& command, int* status = nullptr);
 // Replaces the file's content.
 void writeFile(std::string const& path, std::string const& text);
+// The file's content; empty when it cannot be read.
+std::string readFile(std::string const& path);
 // Polls `done` every 20 ms until it holds or `seconds` have passed; gives its last answer.
 bool waitUntil(std::function<bool()> const& done, double seconds = 5.0);
