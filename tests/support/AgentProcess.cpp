@@ -38,8 +38,9 @@ std::vector<char*> argv(std::vector<std::string>& words) {
   return result;
 }
 
-// Standard output goes to `stdoutPath`, or nowhere when it is empty.
-pid_t spawn(std::vector<std::string> words, std::string const& stderrPath, std::string const& stdoutPath = "") {
+}  // namespace
+
+pid_t spawn(std::vector<std::string> words, std::string const& stderrPath, std::string const& stdoutPath) {
   pid_t const pid = fork();
   if (pid == 0) {
     int const fd = open(stderrPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
@@ -54,6 +55,8 @@ pid_t spawn(std::vector<std::string> words, std::string const& stderrPath, std::
   return pid;
 }
 
+namespace {
+
 // Waits up to `seconds` for `pid`; gives its wait status or -1.
 int waitFor(pid_t pid, double seconds) {
   auto const deadline = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
@@ -67,7 +70,8 @@ int waitFor(pid_t pid, double seconds) {
   return -1;
 }
 
-// Sends `signal`, waits (bounded) for the end, then kills; gives the wait status.
+}  // namespace
+
 int stopChild(pid_t pid, int signal) {
   kill(pid, signal);
   int status = waitFor(pid, 10.0);
@@ -77,8 +81,6 @@ int stopChild(pid_t pid, int signal) {
   }
   return status;
 }
-
-}  // namespace
 
 bool agentRunsAsNobody() {
   return geteuid() == 0 &&

@@ -102,6 +102,12 @@ struct AgentRun {
 };
 AgentRun runAgentToEnd(std::vector<std::string> const& arguments);
 
+// Starts `words` (a program's path, then its arguments) with standard error to
+// `stderrPath` and standard output to `stdoutPath` (nowhere when empty); its pid.
+pid_t spawn(std::vector<std::string> words, std::string const& stderrPath, std::string const& stdoutPath = "");
+// Sends `signal`, waits up to 10 s for the end, then kills; gives the wait status.
+int stopChild(pid_t pid, int signal);
+
 // Whether root may run the agent as "nobody": a build tree under a folder
 // closed to other users (a private temporary folder) rules it out.
 bool agentRunsAsNobody();
