@@ -28,15 +28,6 @@ std::string scenarioNaming(std::string const& sysName) {
 
 class AgentxUptime : public testing::Test {
  protected:
-  void SetUp() override {
-    directory_ = makeTempDirectory();
-    scenarioPath_ = directory_ + "/lab.json";
-    writeFile(scenarioPath_, scenarioNaming("first"));
-  }
-  void TearDown() override {
-    std::error_code ec;
-    std::filesystem::remove_all(directory_, ec);
-  }
 
   // A TimeTicks scalar through the master; -1 when it cannot be read.
   static long ticks(Snmpd const& master, char const* oid) {
@@ -65,8 +56,7 @@ class AgentxUptime : public testing::Test {
   void expectChangeOnMastersClock(Snmpd const& master, AgentProcess& agent, std::string const& sysName) {
     long const before = ticks(master, sysUpTimeOid);
     ASSERT_GE(before, 0);
-    writeFile(scenarioPath_, scenarioNaming(sysName));
-    agent.sendSignal(SIGHUP);
+    scenario_.reload(agent, scenarioNaming(sysName));
     ASSERT_TRUE(waitUntil([&] { return sysNameAtMark(master, 0) == sysName; }, 10.0)) << agent.standardError();
     long const after = ticks(master, sysUpTimeOid);
     long const changed = ticks(master, lastChangeTimeOid);
@@ -78,15 +68,14 @@ class AgentxUptime : public testing::Test {
     EXPECT_EQ(sysNameAtMark(master, changed + 3), "");
   }
 
-  std::string directory_;
-  std::string scenarioPath_;
+  ScenarioFile const scenario_{scenarioNaming("first")};
 };
 
 TEST_F(AgentxUptime, ChangeTimesFollowTheMastersUptimeAlsoAfterItRestarts) {
   Snmpd master;
   // Up well before the agent, so that its clock and the agent's differ by seconds.
   ASSERT_TRUE(waitUntil([&] { return ticks(master, sysUpTimeOid) >= 200; }, 10.0));
-  AgentProcess agent({"--scenario", scenarioPath_, "--no-notifications"}, master);
+  AgentProcess agent({"--scenario", scenario_.path(), "--no-notifications"}, master);
   expectChangeOnMastersClock(master, agent, "second");
 
   master.restart();

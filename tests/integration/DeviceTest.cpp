@@ -1,7 +1,7 @@
 // The agent as a device that management systems class, over real SNMP: in
-// master mode the system group, sysORTable and IF-MIB of a scenario (golden
-// walk in tests/integration/expected/device.json), and nothing listening
-// beyond --listen; as an AgentX sub-agent only its modules' rows in the
+// master mode (what device.json serves is in tests/integration/expected)
+// nothing listening beyond --listen, and the system group and IF-MIB
+// following the scenario; as an AgentX sub-agent only its modules' rows in the
 // master's sysORTable; and as the master of a private snmpd (snmpd -X),
 // snmpd's objects answered through it.
 
@@ -15,6 +15,8 @@
 #include <filesystem>
 #include <string>
 #include <vector>
+
+#include <sys/wait.h>
 
 #include "AgentProcess.h"
 #include "AgentSuite.h"
@@ -70,31 +72,15 @@ bool containsAll(std::vector<std::string> const& haystack, std::vector<std::stri
   return std::ranges::all_of(needles, [&](std::string const& n) { return std::ranges::find(haystack, n) != haystack.end(); });
 }
 
-class Device : public AgentSuite<Device> {
- public:
-  static std::vector<std::string> arguments() { return onScenario("device.json"); }
-};
-
-TEST_F(Device, SystemGroupSysOrTableAndInterfacesAreTheScenarios) {
-  auto c = client();
-  expectWalks(c, readGoldenTables(golden));
-}
-
-TEST_F(Device, ListensOnlyWhereItWasTold) {
-  EXPECT_EQ(listeningSockets(agent_->pid()), std::vector<std::string>{"udp 127.0.0.1:" + std::to_string(agent_->port())});
-}
-
-TEST(DeviceReload, SystemAndInterfacesFollowTheFileAndCountOnTheLldpClock) {
-  auto const directory = makeTempDirectory();
-  std::string const scenario = directory + "/lab.json";
-  writeFile(scenario, R"({"system": {"sysLocation": "hall A"}, "ports": [{"name": "e1"}]})");
-  AgentProcess agent({"--scenario", scenario});
+TEST(DeviceReload, ListensOnlyWhereToldAndSystemAndInterfacesFollowTheFileOnTheLldpClock) {
+  ScenarioFile const scenario(R"({"system": {"sysLocation": "hall A"}, "ports": [{"name": "e1"}]})");
+  AgentProcess agent({"--scenario", scenario.path()});
+  EXPECT_EQ(listeningSockets(agent.pid()), std::vector<std::string>{"udp 127.0.0.1:" + std::to_string(agent.port())});
   SnmpClient client(agent.peer(), "public");
   long const before = getOne(client, sysUpTime).integer;
 
-  writeFile(scenario, R"({"system": {"sysLocation": "hall B"}, "localSystem": {"sysName": "edge-7"},
+  scenario.reload(agent, R"({"system": {"sysLocation": "hall B"}, "localSystem": {"sysName": "edge-7"},
                           "ports": [{"name": "e1", "neighbors": [{"msap": {"chassisId": "alpha"}}]}, {"name": "e2"}]})");
-  agent.sendSignal(SIGHUP);
   ASSERT_TRUE(waitUntil([&] { return getOne(client, sysLocation).bytes == "hall B"; })) << agent.standardError();
   long const after = getOne(client, sysUpTime).integer;
   VarBind const changed = getOne(client, lastChangeTime);
@@ -104,7 +90,6 @@ TEST(DeviceReload, SystemAndInterfacesFollowTheFileAndCountOnTheLldpClock) {
   EXPECT_EQ(getOne(client, sysName).bytes, "edge-7");
   EXPECT_EQ(getOne(client, ifNumber).integer, 2);
   EXPECT_EQ(texts(client.walk(ifNameColumn)), (std::vector<std::string>{"e1", "e2"}));
-  std::filesystem::remove_all(directory);
 }
 
 TEST(DeviceUnderSnmpd, OnlyTheLldpModulesRowsReachTheMaster) {
@@ -150,6 +135,18 @@ TEST(AgentAsMaster, AnswersForSnmpdAsItsSubagentAcrossSnmpdRestarts) {
   EXPECT_TRUE(waitUntil(snmpdAnswers, 15.0)) << agent.standardError();
   EXPECT_EQ(listeningSockets(agent.pid()), std::vector<std::string>{"udp 127.0.0.1:" + std::to_string(agent.port())});
   std::filesystem::remove_all(directory);
+}
+
+TEST(Device, WithoutAScenarioServesTheDemoSwitchAndEndsCleanlyOnSigterm) {
+  AgentProcess agent({});
+  SnmpClient client(agent.peer(), "public");
+  auto const walked = client.walk("1.0.8802.1.1.2.1.3");
+  ASSERT_GE(walked.size(), 6u);
+  EXPECT_EQ(walked[0].oid, "1.0.8802.1.1.2.1.3.1.0");
+  EXPECT_FALSE(walked[1].bytes.empty());  // the demo has a chassis ID
+  int const status = agent.stop(SIGTERM);
+  ASSERT_TRUE(WIFEXITED(status)) << agent.standardError();
+  EXPECT_EQ(WEXITSTATUS(status), 0);
 }
 
 }  // namespace

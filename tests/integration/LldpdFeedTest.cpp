@@ -20,6 +20,8 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
+#include <variant>
 #include <vector>
 
 #include "AgentProcess.h"
@@ -64,9 +66,8 @@ std::vector<Json> listOf(Json const& json) {
   return {json};
 }
 
-// Hex pairs with one separator between them, as lldpcli writes a MAC
-// address ("02:00:5e:00:53:10") or a protocol identity ("88 8e"), as bytes.
-std::string pairBytes(std::string const& text) {
+// "02:00:5e", "88 8e" or "33,44,55" as bytes.
+std::string bytesOf(std::string const& text) {
   std::string bytes;
   for (std::size_t i = 0; i + 1 < text.size(); i += 3) {
     bytes.push_back(static_cast<char>(std::stoi(text.substr(i, 2), nullptr, 16)));
@@ -132,16 +133,23 @@ std::string advertisedBits(Json const& advertised) {
   return octets;
 }
 
-// "33,44,55" as bytes.
-std::string commaBytes(std::string const& text) {
-  std::string bytes;
-  std::size_t start = 0;
-  while (start < text.size()) {
-    std::size_t const end = text.find(',', start);
-    bytes.push_back(static_cast<char>(std::stoi(text.substr(start, end - start), nullptr, 16)));
-    start = end == std::string::npos ? text.size() : end + 1;
+// What one GET of the OIDs must answer: a number, or the bytes of a string.
+using Served = std::vector<std::pair<std::string, std::variant<long, std::string>>>;
+
+void expectServed(SnmpClient client, Served const& wants) {
+  std::vector<std::string> oids;
+  for (auto const& want : wants) {
+    oids.push_back(want.first);
   }
-  return bytes;
+  auto const r = client.get(oids);
+  ASSERT_EQ(r.varBinds.size(), wants.size());
+  for (std::size_t i = 0; i < wants.size(); ++i) {
+    if (auto const* number = std::get_if<long>(&wants[i].second)) {
+      EXPECT_EQ(r.varBinds[i].integer, *number) << wants[i].first;
+    } else {
+      EXPECT_EQ(r.varBinds[i].bytes, std::get<std::string>(wants[i].second)) << wants[i].first;
+    }
+  }
 }
 
 class LldpdFeed : public testing::Test {
@@ -223,18 +231,14 @@ TEST_F(LldpdFeed, TheFarEndIsInEveryTableWithWhatLldpcliShows) {
   Json const chassis = far["chassis"]["far-host"];
   Json const port = far["port"];
 
-  auto const r = client().get({remEntry + "4." + row, remEntry + "5." + row, remEntry + "6." + row,
-                               remEntry + "7." + row, remEntry + "8." + row, remEntry + "10." + row,
-                               remEntry + "11." + row, remEntry + "12." + row});
-  ASSERT_EQ(r.varBinds.size(), 8u);
-  EXPECT_EQ(r.varBinds[0].integer, chassisSubtype(chassis["id"]["type"]));
-  EXPECT_EQ(r.varBinds[1].bytes, pairBytes(chassis["id"]["value"]));
-  EXPECT_EQ(r.varBinds[2].integer, portSubtype(port["id"]["type"]));
-  EXPECT_EQ(r.varBinds[3].bytes, pairBytes(port["id"]["value"]));
-  EXPECT_EQ(r.varBinds[4].bytes, port["descr"].get<std::string>());
-  EXPECT_EQ(r.varBinds[5].bytes, chassis["descr"].get<std::string>());
-  EXPECT_EQ(r.varBinds[6].bytes, capabilityBits(chassis["capability"], false));
-  EXPECT_EQ(r.varBinds[7].bytes, capabilityBits(chassis["capability"], true));
+  expectServed(client(), {{remEntry + "4." + row, chassisSubtype(chassis["id"]["type"])},
+                          {remEntry + "5." + row, bytesOf(chassis["id"]["value"])},
+                          {remEntry + "6." + row, portSubtype(port["id"]["type"])},
+                          {remEntry + "7." + row, bytesOf(port["id"]["value"])},
+                          {remEntry + "8." + row, port["descr"].get<std::string>()},
+                          {remEntry + "10." + row, chassis["descr"].get<std::string>()},
+                          {remEntry + "11." + row, capabilityBits(chassis["capability"], false)},
+                          {remEntry + "12." + row, capabilityBits(chassis["capability"], true)}});
 
   // Every management address, with the interface lldpd knows it by.
   auto const ifIds = client().walk(remManAddrIfId + "." + row);
@@ -246,46 +250,37 @@ TEST_F(LldpdFeed, TheFarEndIsInEveryTableWithWhatLldpcliShows) {
     std::string const index = v4 ? ".1.4.192.0.2.2" : ".2.16.32.1.13.184.0.0.0.0.0.0.0.0.0.0.0.2";
     SCOPED_TRACE(addresses[i].get<std::string>());
     ASSERT_EQ(addresses[i].get<std::string>(), v4 ? "192.0.2.2" : "2001:db8::2");
-    auto const a = client().get({remManAddrIfSubtype + "." + row + index, remManAddrIfId + "." + row + index});
-    ASSERT_EQ(a.varBinds.size(), 2u);
-    EXPECT_EQ(a.varBinds[0].integer, 2);  // ifIndex
-    EXPECT_EQ(a.varBinds[1].integer, std::stol(interfaces[i].get<std::string>()));
+    expectServed(client(), {{remManAddrIfSubtype + "." + row + index, 2L},  // ifIndex
+                            {remManAddrIfId + "." + row + index, std::stol(interfaces[i].get<std::string>())}});
   }
 
   // The custom TLV, under its OUI and subtype.
   Json const tlv = listOf(far["unknown-tlvs"]["unknown-tlv"]).at(0);
-  std::string const oui = commaBytes(tlv["oui"]);
+  std::string const oui = bytesOf(tlv["oui"]);
   std::string const orgIndex = "." + row + "." + std::to_string(static_cast<unsigned char>(oui[0])) + "." +
                                std::to_string(static_cast<unsigned char>(oui[1])) + "." +
                                std::to_string(static_cast<unsigned char>(oui[2])) + "." +
                                tlv["subtype"].get<std::string>() + ".1";
-  auto const org = client().get({remOrgDefInfo + orgIndex});
-  ASSERT_EQ(org.varBinds.size(), 1u);
-  EXPECT_EQ(org.varBinds[0].bytes, commaBytes(tlv["value"]));
+  expectServed(client(), {{remOrgDefInfo + orgIndex, bytesOf(tlv["value"])}});
 
   // 802.3: MAC/PHY and power via MDI.
   Json const autoneg = port["auto-negotiation"];
   Json const power = port["power"];
-  auto const dot3 = client().get({remDot3Port + "1." + row, remDot3Port + "2." + row, remDot3Power + "1." + row,
-                                  remDot3Power + "2." + row, remDot3Power + "3." + row, remDot3Power + "4." + row,
-                                  remDot3Power + "5." + row, remDot3Power + "6." + row});
-  ASSERT_EQ(dot3.varBinds.size(), 8u);
   auto const truthValue = [](Json const& b) { return b.get<bool>() ? 1L : 2L; };
-  EXPECT_EQ(dot3.varBinds[0].integer, truthValue(autoneg["supported"]));
-  EXPECT_EQ(dot3.varBinds[1].integer, truthValue(autoneg["enabled"]));
-  EXPECT_EQ(dot3.varBinds[2].integer, power["device-type"] == "PSE" ? 1 : 2);
-  EXPECT_EQ(dot3.varBinds[3].integer, truthValue(power["supported"]));
-  EXPECT_EQ(dot3.varBinds[4].integer, truthValue(power["enabled"]));
-  EXPECT_EQ(dot3.varBinds[5].integer, truthValue(power["paircontrol"]));
-  EXPECT_EQ(dot3.varBinds[6].integer, power["pairs"] == "spare" ? 2 : 1);
-  // "class 3" is class3(4).
-  EXPECT_EQ(dot3.varBinds[7].integer, std::stol(power["class"].get<std::string>().substr(6)) + 1);
+  expectServed(client(), {{remDot3Port + "1." + row, truthValue(autoneg["supported"])},
+                          {remDot3Port + "2." + row, truthValue(autoneg["enabled"])},
+                          {remDot3Power + "1." + row, power["device-type"] == "PSE" ? 1L : 2L},
+                          {remDot3Power + "2." + row, truthValue(power["supported"])},
+                          {remDot3Power + "3." + row, truthValue(power["enabled"])},
+                          {remDot3Power + "4." + row, truthValue(power["paircontrol"])},
+                          {remDot3Power + "5." + row, power["pairs"] == "spare" ? 2L : 1L},
+                          // "class 3" is class3(4).
+                          {remDot3Power + "6." + row, std::stol(power["class"].get<std::string>().substr(6)) + 1}});
 
   if (vlan_) {
     Json const vlan = listOf(far["vlan"]).at(0);
-    auto const names = client().get({remVlanName + "." + row + "." + vlan["vlan-id"].get<std::string>()});
-    ASSERT_EQ(names.varBinds.size(), 1u);
-    EXPECT_EQ(names.varBinds[0].bytes, vlan["value"].get<std::string>());
+    expectServed(client(), {{remVlanName + "." + row + "." + vlan["vlan-id"].get<std::string>(),
+                             vlan["value"].get<std::string>()}});
   }
 }
 
@@ -332,23 +327,18 @@ TEST_F(LldpdFeed, The8021And8023TlvsOfANeighbourAreInTheirTablesAsLldpcliShowsTh
   Json const ppvid = bench["ppvid"];
   Json const port = bench["port"];
 
-  auto const r = client().get({remPortVlanId + "." + row, remVlanName + "." + row + "." + vlan["vlan-id"].get<std::string>(),
-                               remProtoVlan + "2." + row + "." + ppvid["value"].get<std::string>(),
-                               remProtoVlan + "3." + row + "." + ppvid["value"].get<std::string>(),
-                               remProtocolId + "." + row + ".1", remAdvertisedCap + "." + row,
-                               remLinkAgg + "1." + row, remLinkAgg + "2." + row, remMaxFrameSize + "." + row});
-  ASSERT_EQ(r.varBinds.size(), 9u);
   ASSERT_TRUE(vlan["pvid"].get<bool>());
-  EXPECT_EQ(r.varBinds[0].integer, std::stol(vlan["vlan-id"].get<std::string>()));
-  EXPECT_EQ(r.varBinds[1].bytes, vlan["value"].get<std::string>());
-  EXPECT_EQ(r.varBinds[2].integer, ppvid["supported"].get<bool>() ? 1 : 2);
-  EXPECT_EQ(r.varBinds[3].integer, ppvid["enabled"].get<bool>() ? 1 : 2);
-  EXPECT_EQ(r.varBinds[4].bytes, pairBytes(bench["pi"].get<std::string>()));
-  EXPECT_EQ(r.varBinds[5].bytes, advertisedBits(port["auto-negotiation"]["advertised"]));
-  // lldpd keeps the aggregate's ID alone: an aggregated port is capable and enabled.
-  EXPECT_EQ(r.varBinds[6].bytes, std::string("\xc0", 1));
-  EXPECT_EQ(r.varBinds[7].integer, std::stol(port["aggregation"].get<std::string>()));
-  EXPECT_EQ(r.varBinds[8].integer, std::stol(port["mfs"].get<std::string>()));
+  std::string const ppvidIndex = "." + row + "." + ppvid["value"].get<std::string>();
+  expectServed(client(), {{remPortVlanId + "." + row, std::stol(vlan["vlan-id"].get<std::string>())},
+                          {remVlanName + "." + row + "." + vlan["vlan-id"].get<std::string>(), vlan["value"].get<std::string>()},
+                          {remProtoVlan + "2" + ppvidIndex, ppvid["supported"].get<bool>() ? 1L : 2L},
+                          {remProtoVlan + "3" + ppvidIndex, ppvid["enabled"].get<bool>() ? 1L : 2L},
+                          {remProtocolId + "." + row + ".1", bytesOf(bench["pi"].get<std::string>())},
+                          {remAdvertisedCap + "." + row, advertisedBits(port["auto-negotiation"]["advertised"])},
+                          // lldpd keeps the aggregate's ID alone: an aggregated port is capable and enabled.
+                          {remLinkAgg + "1." + row, std::string("\xc0", 1)},
+                          {remLinkAgg + "2." + row, std::stol(port["aggregation"].get<std::string>())},
+                          {remMaxFrameSize + "." + row, std::stol(port["mfs"].get<std::string>())}});
 }
 
 TEST_F(LldpdFeed, TheLocalTablesAreWhatLldpcliShowsOfTheNearSide) {
@@ -359,21 +349,17 @@ TEST_F(LldpdFeed, TheLocalTablesAreWhatLldpcliShowsOfTheNearSide) {
   Json const interface = cli(lab_->nearSocket(), "show interfaces")["lldp"]["interface"][LldpdLab::nearInterface];
   std::string const port = std::to_string(lab_->nearIfIndex());
 
-  auto const r = client().get({locSystem + "1.0", locSystem + "2.0", locSystem + "3.0", locSystem + "4.0",
-                               locSystem + "5.0", locSystem + "6.0", locPortEntry + "2." + port,
-                               locPortEntry + "3." + port, locPortEntry + "4." + port, portConfigAdminStatus + port});
-  ASSERT_EQ(r.varBinds.size(), 10u);
-  EXPECT_EQ(r.varBinds[0].integer, chassisSubtype(local["id"]["type"]));
-  EXPECT_EQ(r.varBinds[1].bytes, pairBytes(local["id"]["value"]));
-  EXPECT_EQ(r.varBinds[2].bytes, name);
-  EXPECT_EQ(r.varBinds[3].bytes, local["descr"].get<std::string>());
-  EXPECT_EQ(r.varBinds[4].bytes, capabilityBits(local["capability"], false));
-  EXPECT_EQ(r.varBinds[5].bytes, capabilityBits(local["capability"], true));
-  EXPECT_EQ(r.varBinds[6].integer, portSubtype(interface["port"]["id"]["type"]));
-  EXPECT_EQ(r.varBinds[7].bytes, pairBytes(interface["port"]["id"]["value"]));
-  EXPECT_EQ(r.varBinds[8].bytes, interface["port"]["descr"].get<std::string>());
   ASSERT_EQ(interface["status"], "RX and TX");
-  EXPECT_EQ(r.varBinds[9].integer, 3);  // txAndRx
+  expectServed(client(), {{locSystem + "1.0", chassisSubtype(local["id"]["type"])},
+                          {locSystem + "2.0", bytesOf(local["id"]["value"])},
+                          {locSystem + "3.0", name},
+                          {locSystem + "4.0", local["descr"].get<std::string>()},
+                          {locSystem + "5.0", capabilityBits(local["capability"], false)},
+                          {locSystem + "6.0", capabilityBits(local["capability"], true)},
+                          {locPortEntry + "2." + port, portSubtype(interface["port"]["id"]["type"])},
+                          {locPortEntry + "3." + port, bytesOf(interface["port"]["id"]["value"])},
+                          {locPortEntry + "4." + port, interface["port"]["descr"].get<std::string>()},
+                          {portConfigAdminStatus + port, 3L}});  // txAndRx
 
   // One row per management address lldpd announces, each with its interface.
   auto const ifIds = client().walk(locManAddrIfId);

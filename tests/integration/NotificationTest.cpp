@@ -4,15 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <functional>
 #include <sstream>
 #include <stdexcept>
@@ -26,13 +23,6 @@ namespace {
 
 // How snmptrapd -On prints the bindings of lldpRemTablesChange.
 std::string const trapOidBinding = ".1.3.6.1.6.3.1.1.4.1.0 = OID: .1.0.8802.1.1.2.0.0.1";
-
-std::string readFile(std::string const& path) {
-  std::ifstream in(path);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
 
 // The lines of `text` that hold `part`.
 std::vector<std::string> linesWith(std::string const& text, std::string const& part) {
@@ -54,31 +44,15 @@ class TrapDaemon {
   explicit TrapDaemon(std::string const& directory)
       : directory_(directory), port_(freeUdpPort()), logPath_(directory + "/snmptrapd.log") {
     writeFile(directory_ + "/snmptrapd.conf", "disableAuthorization yes\n");
-    pid_ = fork();
-    if (pid_ == 0) {
-      int const log = open(logPath_.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-      dup2(log, 1);
-      dup2(log, 2);
-      setenv("SNMPCONFPATH", directory_.c_str(), 1);
-      setenv("SNMP_PERSISTENT_DIR", directory_.c_str(), 1);
-      setenv("MIBS", "", 1);
-      std::string const conf = directory_ + "/snmptrapd.conf";
-      std::string const address = "udp:127.0.0.1:" + std::to_string(port_);
-      for (char const* program : {"/usr/sbin/snmptrapd", "snmptrapd"}) {
-        execlp(program, "snmptrapd", "-f", "-Lo", "-C", "-c", conf.c_str(), "-On", "-n", address.c_str(),
-               static_cast<char*>(nullptr));
-      }
-      _exit(127);
-    }
+    pid_ = spawn({"/usr/bin/env", "SNMPCONFPATH=" + directory_, "SNMP_PERSISTENT_DIR=" + directory_, "MIBS=",
+                  "/usr/sbin/snmptrapd", "-f", "-Lo", "-C", "-c", directory_ + "/snmptrapd.conf", "-On", "-n",
+                  "udp:127.0.0.1:" + std::to_string(port_)},
+                 logPath_ + ".stderr", logPath_);
     if (!waitUntil([this] { return log().find("NET-SNMP version") != std::string::npos; }, 10.0)) {
       throw std::runtime_error("snmptrapd did not start: " + log());
     }
   }
-  ~TrapDaemon() {
-    kill(pid_, SIGTERM);
-    int status = 0;
-    waitpid(pid_, &status, 0);
-  }
+  ~TrapDaemon() { stopChild(pid_, SIGTERM); }
   TrapDaemon(TrapDaemon const&) = delete;
   TrapDaemon& operator=(TrapDaemon const&) = delete;
 

@@ -42,15 +42,7 @@ std::string const secondScenario = R"({
 class Reload : public testing::Test {
  protected:
   void SetUp() override {
-    directory_ = makeTempDirectory();
-    scenarioPath_ = directory_ + "/lab.json";
-    writeFile(scenarioPath_, firstScenario);
-    agent_ = std::make_unique<AgentProcess>(std::vector<std::string>{"--scenario", scenarioPath_, "--trace", "Agent=1"});
-  }
-  void TearDown() override {
-    agent_.reset();
-    std::error_code ec;
-    std::filesystem::remove_all(directory_, ec);
+    agent_ = std::make_unique<AgentProcess>(std::vector<std::string>{"--scenario", scenario_.path(), "--trace", "Agent=1"});
   }
 
   // The value of a Gauge32 or TimeTicks scalar; -1 when it cannot be read.
@@ -73,13 +65,9 @@ class Reload : public testing::Test {
     return waitUntil([&] { return agent_->standardError().find(line) != std::string::npos; });
   }
 
-  void reloadWith(std::string const& text) {
-    writeFile(scenarioPath_, text);
-    agent_->sendSignal(SIGHUP);
-  }
+  void reloadWith(std::string const& text) { scenario_.reload(*agent_, text); }
 
-  std::string directory_;
-  std::string scenarioPath_;
+  ScenarioFile const scenario_{firstScenario};
   std::unique_ptr<AgentProcess> agent_;
 };
 
@@ -111,7 +99,7 @@ TEST_F(Reload, RefusedFileKeepsTheOldStateAndSaysWhyOnOneLine) {
   long const changeTime = scalar(lastChangeTimeOid);
 
   reloadWith(R"({"ports": [{"name": "e1", "neighbors": [{"vlanName": [{"vlanId": 4095}]}]}]})");
-  std::string const refusal = "lldp-snmp-agent: reload refused, still serving the previous state: " + scenarioPath_ +
+  std::string const refusal = "lldp-snmp-agent: reload refused, still serving the previous state: " + scenario_.path() +
                               ": $.ports[0].neighbors[0].vlanName[0].vlanId: 4095 is not a VLAN ID from 1 to 4094 "
                               "(VlanId::value < 1 or > 4094 not allowed)\n";
   ASSERT_TRUE(waitUntil([&] { return agent_->standardError().find(refusal) != std::string::npos; }))
@@ -124,7 +112,7 @@ TEST_F(Reload, RefusedFileKeepsTheOldStateAndSaysWhyOnOneLine) {
   // Not JSON at all: refused the same way, at the top of the document.
   reloadWith("{\"ports\": [");
   ASSERT_TRUE(waitUntil([&] {
-    return agent_->standardError().find("reload refused, still serving the previous state: " + scenarioPath_ +
+    return agent_->standardError().find("reload refused, still serving the previous state: " + scenario_.path() +
                                         ": $: [json.exception.parse_error") != std::string::npos;
   })) << agent_->standardError();
   EXPECT_EQ(scalar(insertsOid), 2);
@@ -144,7 +132,7 @@ TEST_F(Reload, EachLoadIsRecordedForOperatorsByName) {
       << agent_->standardError();
   EXPECT_TRUE(saidOnStandardError("within the 5 s notification interval\n")) << agent_->standardError();
   reloadWith("{\"ports\": 1}");
-  EXPECT_TRUE(saidOnStandardError("Agent[1] reload refused: " + scenarioPath_ + ": $.ports: expected an array\n"))
+  EXPECT_TRUE(saidOnStandardError("Agent[1] reload refused: " + scenario_.path() + ": $.ports: expected an array\n"))
       << agent_->standardError();
 }
 
@@ -193,8 +181,7 @@ TEST_F(Reload, LargeChangeArrivesWholeAndCountedOnceThoughSignalledTwice) {
   ASSERT_TRUE(waitUntil([&] { return scalar(insertsOid) == 1 + ports * perPort; }, 30.0)) << agent_->standardError();
   long const deletesBefore = scalar(deletesOid);
 
-  writeFile(scenarioPath_, scenario("b"));
-  agent_->sendSignal(SIGHUP);
+  reloadWith(scenario("b"));
   agent_->sendSignal(SIGHUP);
   constexpr long replaced = (ports / 2) * perPort;
   ASSERT_TRUE(waitUntil([&] { return scalar(insertsOid) == 1 + ports * perPort + replaced; }, 30.0))

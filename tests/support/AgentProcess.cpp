@@ -38,8 +38,9 @@ std::vector<char*> argv(std::vector<std::string>& words) {
   return result;
 }
 
-// Standard output goes to `stdoutPath`, or nowhere when it is empty.
-pid_t spawn(std::vector<std::string> words, std::string const& stderrPath, std::string const& stdoutPath = "") {
+}  // namespace
+
+pid_t spawn(std::vector<std::string> words, std::string const& stderrPath, std::string const& stdoutPath) {
   pid_t const pid = fork();
   if (pid == 0) {
     int const fd = open(stderrPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
@@ -54,12 +55,7 @@ pid_t spawn(std::vector<std::string> words, std::string const& stderrPath, std::
   return pid;
 }
 
-std::string readFile(std::string const& path) {
-  std::ifstream in(path);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
+namespace {
 
 // Waits up to `seconds` for `pid`; gives its wait status or -1.
 int waitFor(pid_t pid, double seconds) {
@@ -74,7 +70,8 @@ int waitFor(pid_t pid, double seconds) {
   return -1;
 }
 
-// Sends `signal`, waits (bounded) for the end, then kills; gives the wait status.
+}  // namespace
+
 int stopChild(pid_t pid, int signal) {
   kill(pid, signal);
   int status = waitFor(pid, 10.0);
@@ -84,8 +81,6 @@ int stopChild(pid_t pid, int signal) {
   }
   return status;
 }
-
-}  // namespace
 
 bool agentRunsAsNobody() {
   return geteuid() == 0 &&
@@ -134,6 +129,27 @@ std::string runCommand(std::string const& command, int* status) {
 void writeFile(std::string const& path, std::string const& text) {
   std::ofstream out(path, std::ios::trunc);
   out << text;
+}
+
+std::string readFile(std::string const& path) {
+  std::ifstream in(path);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+ScenarioFile::ScenarioFile(std::string const& text) : directory_(makeTempDirectory()), path_(directory_ + "/lab.json") {
+  writeFile(path_, text);
+}
+
+ScenarioFile::~ScenarioFile() {
+  std::error_code ec;
+  std::filesystem::remove_all(directory_, ec);
+}
+
+void ScenarioFile::reload(AgentProcess const& agent, std::string const& text) const {
+  writeFile(path_, text);
+  agent.sendSignal(SIGHUP);
 }
 
 bool waitUntil(std::function<bool()> const& done, double seconds) {
@@ -227,15 +243,15 @@ AgentRun runAgentToEnd(std::vector<std::string> const& arguments) {
   return run;
 }
 
-Snmpd::Snmpd(std::string masterSocket) : masterSocket_(std::move(masterSocket)), directory_(makeTempDirectory()) {
+Snmpd::Snmpd(std::string masterSocket)
+    : masterSocket_(std::move(masterSocket)),
+      port_(masterSocket_.empty() ? freeUdpPort() : 0),
+      directory_(makeTempDirectory()) {
   std::filesystem::create_directory(directory_ + "/persistent");
-  if (masterSocket_.empty()) {
-    port_ = freeUdpPort();
-    writeFile(directory_ + "/snmpd.conf",
-              "master agentx\nagentXSocket " + agentxSocket() + "\nrocommunity public 127.0.0.1\n");
-  } else {
-    writeFile(directory_ + "/snmpd.conf", "agentXSocket " + masterSocket_ + "\nagentxPingInterval 1\n");
-  }
+  writeFile(directory_ + "/snmpd.conf", masterSocket_.empty()
+                                            ? "master agentx\nagentXSocket " + agentxSocket() +
+                                                  "\nrocommunity public 127.0.0.1\n"
+                                            : "agentXSocket " + masterSocket_ + "\nagentxPingInterval 1\n");
   start();
 }
 
@@ -246,16 +262,14 @@ Snmpd::~Snmpd() {
 }
 
 void Snmpd::start() {
-  // The environment of the child: its own persistent store, no MIB files to parse.
+  // Its own persistent store, no MIB files to parse.
   std::vector<std::string> words{"/usr/bin/env", "SNMP_PERSISTENT_DIR=" + directory_ + "/persistent", "MIBS=",
                                  "/usr/sbin/snmpd", "-f", "-C", "-c", directory_ + "/snmpd.conf", "-Le"};
+  words.push_back(masterSocket_.empty() ? peer() : "-X");
+  pid_ = spawn(words, directory_ + "/stderr");
   if (!masterSocket_.empty()) {
-    words.push_back("-X");
-    pid_ = spawn(words, directory_ + "/stderr");
     return;
   }
-  words.push_back("udp:127.0.0.1:" + std::to_string(port_));
-  pid_ = spawn(words, directory_ + "/stderr");
   SnmpClient client(peer(), "public", 50000, 0);
   for (int attempt = 0; attempt < 200; ++attempt) {
     int status = 0;
@@ -273,8 +287,8 @@ void Snmpd::start() {
 void Snmpd::stop() {
   if (pid_ > 0) {
     stopChild(pid_, SIGTERM);
-    pid_ = -1;
   }
+  pid_ = -1;
 }
 
 std::vector<std::string> listeningSockets(pid_t pid) {

@@ -40,22 +40,21 @@ class AgentProcess {
   std::string directory_;
 };
 
-// A private snmpd, stopped when the object goes: with no socket given, an
-// AgentX master on a free loopback UDP port (community "public") with an AgentX
-// socket of its own; given the socket of a master, an AgentX sub-agent of it
-// (snmpd -X, pinging every second) whose objects (the host resources, UCD
-// objects, ...) answer through that master.
+// A private snmpd of its own configuration and persistent store, stopped when
+// the object goes. Without `masterSocket` it is an AgentX master on a free
+// loopback UDP port (community "public"), its AgentX socket a file of its own,
+// and answers once started; with one it is a sub-agent (snmpd -X) of that
+// master, pinging it every second, and its objects (host resources, UCD
+// objects, ...) answer through the master once it has registered.
 class Snmpd {
  public:
-  // Starts it; a master is waited for (bounded) until it answers.
-  explicit Snmpd(std::string masterSocket = {});
+  explicit Snmpd(std::string masterSocket = "");
   ~Snmpd();
   Snmpd(Snmpd const&) = delete;
   Snmpd& operator=(Snmpd const&) = delete;
 
   std::string peer() const { return "udp:127.0.0.1:" + std::to_string(port_); }
   int port() const { return port_; }
-  // A master's own socket, or the master's that a sub-agent uses.
   std::string agentxSocket() const { return masterSocket_.empty() ? directory_ + "/agentx" : masterSocket_; }
   void start();
   void stop();
@@ -76,6 +75,24 @@ class Snmpd {
 // as "udp 127.0.0.1:1161" or "tcp6 [::]:199", from /proc/net.
 std::vector<std::string> listeningSockets(pid_t pid);
 
+// A scenario file in a directory of its own, removed when the object goes.
+class ScenarioFile {
+ public:
+  explicit ScenarioFile(std::string const& text);
+  ~ScenarioFile();
+  ScenarioFile(ScenarioFile const&) = delete;
+  ScenarioFile& operator=(ScenarioFile const&) = delete;
+
+  std::string const& path() const { return path_; }
+  std::string const& directory() const { return directory_; }
+  // Rewrites the file and has `agent` re-read it (SIGHUP); returns at once.
+  void reload(AgentProcess const& agent, std::string const& text) const;
+
+ private:
+  std::string directory_;
+  std::string path_;
+};
+
 // Runs the agent to its end with `arguments` (no --listen added) and gives the
 // exit code and what it wrote; for runs that must end at start.
 struct AgentRun {
@@ -84,6 +101,12 @@ struct AgentRun {
   std::string standardOutput;
 };
 AgentRun runAgentToEnd(std::vector<std::string> const& arguments);
+
+// Starts `words` (a program's path, then its arguments) with standard error to
+// `stderrPath` and standard output to `stdoutPath` (nowhere when empty); its pid.
+pid_t spawn(std::vector<std::string> words, std::string const& stderrPath, std::string const& stdoutPath = "");
+// Sends `signal`, waits up to 10 s for the end, then kills; gives the wait status.
+int stopChild(pid_t pid, int signal);
 
 // Whether root may run the agent as "nobody": a build tree under a folder
 // closed to other users (a private temporary folder) rules it out.
@@ -96,5 +119,7 @@ std::string makeTempDirectory();
 std::string runCommand(std::string const& command, int* status = nullptr);
 // Replaces the file's content.
 void writeFile(std::string const& path, std::string const& text);
+// The file's content; empty when it cannot be read.
+std::string readFile(std::string const& path);
 // Polls `done` every 20 ms until it holds or `seconds` have passed; gives its last answer.
 bool waitUntil(std::function<bool()> const& done, double seconds = 5.0);

@@ -1,6 +1,5 @@
 #include "LldpdLab.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,16 +20,6 @@ void run(std::string const& command) {
   if (status != 0) {
     throw std::runtime_error(command + ": " + output);
   }
-}
-
-// Waits up to `seconds` for `pid` to end; true when it did.
-bool reaped(pid_t pid, double seconds) {
-  return waitUntil(
-      [&] {
-        int status = 0;
-        return waitpid(pid, &status, WNOHANG) == pid;
-      },
-      seconds);
 }
 
 }  // namespace
@@ -97,16 +86,10 @@ void LldpdLab::tearDown() {
 
 pid_t LldpdLab::startLldpd(std::string const& ns, std::string const& socket, char const* interface) {
   std::string const log = socket + ".log";
-  pid_t const pid = fork();
-  if (pid == 0) {
-    int const fd = open(log.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-    dup2(fd, 1);
-    dup2(fd, 2);
-    // In the foreground, on the one interface, reading no configuration of the machine's.
-    execlp("ip", "ip", "netns", "exec", ns.c_str(), "lldpd", "-d", "-u", socket.c_str(), "-I", interface, "-O",
-           (directory_ + "/empty.conf").c_str(), static_cast<char*>(nullptr));
-    _exit(127);
-  }
+  // In the foreground, on the one interface, reading no configuration of the machine's.
+  pid_t const pid = spawn({"/usr/bin/env", "ip", "netns", "exec", ns, "lldpd", "-d", "-u", socket, "-I", interface, "-O",
+                           directory_ + "/empty.conf"},
+                          log, log + ".out");
   bool const ready = waitUntil(
       [&] {
         int status = 0;
@@ -115,9 +98,8 @@ pid_t LldpdLab::startLldpd(std::string const& ns, std::string const& socket, cha
       },
       10.0);
   if (!ready) {
-    kill(pid, SIGKILL);
-    reaped(pid, 5.0);
-    throw std::runtime_error("lldpd in " + ns + " did not start: " + runCommand("cat " + log));
+    stopChild(pid, SIGKILL);
+    throw std::runtime_error("lldpd in " + ns + " did not start: " + readFile(log) + readFile(log + ".out"));
   }
   lldpcli(socket, "configure lldp tx-interval 1");
   return pid;
@@ -127,11 +109,7 @@ void LldpdLab::stop(pid_t& pid) {
   if (pid <= 0) {
     return;
   }
-  kill(pid, SIGTERM);
-  if (!reaped(pid, 10.0)) {
-    kill(pid, SIGKILL);
-    reaped(pid, 5.0);
-  }
+  stopChild(pid, SIGTERM);
   pid = -1;
 }
 
