@@ -18,6 +18,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <unordered_map>
 #include <utility>
@@ -45,6 +46,7 @@
 #include "LldpAgent/VlanName.h"
 #include "Ondo/IntfId.h"
 #include "Snmp/ObjectIdentifier.h"
+#include "Zet/RecordForm.h"
 #include "Zet/TextForm.h"
 #include "Zet/Exception.h"
 #include "Zet/String.h"
@@ -525,6 +527,20 @@ class UniqueKeys {
   std::unordered_map<Key, std::string> seen_;
 };
 
+// A record read as its form lists its fields, each with the reader given in
+// the same order: the names are the form's, declared once with the record.
+template <class R, class... V, class... Read>
+R readRecord(Node const& node, Zet::RecordForm<R, V...> const& form, Read const&... read) {
+  static_assert(sizeof...(V) == sizeof...(Read), "one reader per field");
+  R record;
+  Object object(node);
+  std::apply(
+      [&](auto const&... field) { (readInto(object, std::string(field.name), record.*(field.member), read), ...); },
+      form.fields());
+  object.finish();
+  return record;
+}
+
 DesiredConfig readConfig(Node const& node) {
   DesiredConfig config;
   Object object(node);
@@ -559,13 +575,8 @@ Lldp::ManAddrPriority readPriority(Node const& node) {
     priority.priority = readInt<std::uint32_t>(node);
     return priority;
   }
-  Object object(node);
-  readInto(object, "priority", priority.priority, readInt<std::uint32_t>);
-  readInto(object, "addressFamily", priority.addressFamily, readInt<std::int32_t>);
-  readInto(object, "sequence", priority.sequence, readInt<std::uint32_t>);
-  readInto(object, "intfId", priority.intfId, [](Node const& n) { return Ondo::IntfId(readString(n)); });
-  object.finish();
-  return priority;
+  return readRecord(node, Lldp::manAddrPriorityForm, readInt<std::uint32_t>, readInt<std::int32_t>,
+                    readInt<std::uint32_t>, [](Node const& n) { return Ondo::IntfId(readString(n)); });
 }
 
 // An address and, for the local system only, its priority.
@@ -716,90 +727,46 @@ std::vector<Record> readCollection(Node const& node, Read const& read, KeyOf con
 }
 
 Lldp::UnknownTlv readUnknownTlv(Node const& node) {
-  Lldp::UnknownTlv tlv;
-  Object object(node);
-  readInto(object, "type", tlv.type,
-           [](Node const& n) { return readRanged<Lldp::UnknownTlv, std::uint32_t>(n).type; });
-  readInto(object, "info", tlv.info, bounded<Lldp::BoundedString511>("the information of a TLV"));
-  object.finish();
-  return tlv;
+  return readRecord(
+      node, Lldp::unknownTlvForm, [](Node const& n) { return readRanged<Lldp::UnknownTlv, std::uint32_t>(n).type; },
+      bounded<Lldp::BoundedString511>("the information of a TLV"));
 }
 
 Lldp::UnknownOrgDefTlv readUnknownOrgDefTlv(Node const& node) {
   // The subtype is one octet of the TLV.
   constexpr std::int64_t subtypeMax = 255;
-  Lldp::UnknownOrgDefTlv tlv;
-  Object object(node);
-  readInto(object, "oui", tlv.oui, readOui);
-  readInto(object, "subtype", tlv.subtype,
-           [](Node const& n) { return static_cast<std::uint32_t>(readInteger(n, 0, subtypeMax)); });
-  readInto(object, "index", tlv.index, readIndex);
-  readInto(object, "orgDefInfo", tlv.orgDefInfo,
-           bounded<Lldp::BoundedString507>("the information of an organisationally specific TLV"));
-  object.finish();
-  return tlv;
+  return readRecord(
+      node, Lldp::unknownOrgDefTlvForm, readOui,
+      [](Node const& n) { return static_cast<std::uint32_t>(readInteger(n, 0, subtypeMax)); }, readIndex,
+      bounded<Lldp::BoundedString507>("the information of an organisationally specific TLV"));
 }
 
 Lldp::PortAndProtocolVlan readPortAndProtocolVlan(Node const& node) {
-  Lldp::PortAndProtocolVlan vlan;
-  Object object(node);
-  readInto(object, "portAndProtocolVlanId", vlan.portAndProtocolVlanId, readRanged<Bridging::VlanIdOrNone>);
-  readInto(object, "supported", vlan.supported, readBool);
-  readInto(object, "enabled", vlan.enabled, readBool);
-  object.finish();
-  return vlan;
+  return readRecord(node, Lldp::portAndProtocolVlanForm, readRanged<Bridging::VlanIdOrNone>, readBool, readBool);
 }
 
 Lldp::VlanName readVlanName(Node const& node) {
-  Lldp::VlanName name;
-  Object object(node);
-  readInto(object, "vlanId", name.vlanId, readRanged<Bridging::VlanId>);
-  readInto(object, "vlanName", name.vlanName, bounded<Lldp::BoundedString32>("a VLAN name"));
-  object.finish();
-  return name;
+  return readRecord(node, Lldp::vlanNameForm, readRanged<Bridging::VlanId>,
+                    bounded<Lldp::BoundedString32>("a VLAN name"));
 }
 
 Lldp::ProtocolIdentityInfo readProtocolIdentity(Node const& node) {
-  Lldp::ProtocolIdentityInfo info;
-  Object object(node);
-  readInto(object, "index", info.index, readIndex);
-  readInto(object, "protocolId", info.protocolId, bounded<Lldp::BoundedString255>("a protocol identity"));
-  object.finish();
-  return info;
+  return readRecord(node, Lldp::protocolIdentityInfoForm, readIndex,
+                    bounded<Lldp::BoundedString255>("a protocol identity"));
 }
 
 Lldp::LinkAggregationInfo readLinkAggregationInfo(Node const& node) {
-  Lldp::LinkAggregationInfo info;
-  Object object(node);
-  readInto(object, "linkAggStatus", info.linkAggStatus, readLinkAggStatus);
-  readInto(object, "linkAggPortId", info.linkAggPortId, readInt<std::int32_t>);
-  object.finish();
-  return info;
+  return readRecord(node, Lldp::linkAggregationInfoForm, readLinkAggStatus, readInt<std::int32_t>);
 }
 
 Lldp::MacPhyConfigStatusInfo readMacPhyConfigStatusInfo(Node const& node) {
-  Lldp::MacPhyConfigStatusInfo info;
-  Object object(node);
-  readInto(object, "autoNegSupported", info.autoNegSupported, readBool);
-  readInto(object, "autoNegEnabled", info.autoNegEnabled, readBool);
-  readInto(object, "autoNegAdvertisedCap", info.autoNegAdvertisedCap,
-           [](Node const& n) { return readBits(n, autoNegCapBits); });
-  readInto(object, "operMauType", info.operMauType, readInt<std::uint32_t>);
-  object.finish();
-  return info;
+  return readRecord(node, Lldp::macPhyConfigStatusInfoForm, readBool, readBool,
+                    [](Node const& n) { return readBits(n, autoNegCapBits); }, readInt<std::uint32_t>);
 }
 
 Lldp::PowerViaMdiInfo readPowerViaMdiInfo(Node const& node) {
-  Lldp::PowerViaMdiInfo info;
-  Object object(node);
-  readInto(object, "powerPortClass", info.powerPortClass, readEnum<Lldp::PowerPortClass>);
-  readInto(object, "powerMdiSupported", info.powerMdiSupported, readBool);
-  readInto(object, "powerMdiEnabled", info.powerMdiEnabled, readBool);
-  readInto(object, "powerPairControllable", info.powerPairControllable, readBool);
-  readInto(object, "powerPairs", info.powerPairs, readInt<std::uint32_t>);
-  readInto(object, "powerClass", info.powerClass, readInt<std::uint32_t>);
-  object.finish();
-  return info;
+  return readRecord(node, Lldp::powerViaMdiInfoForm, readEnum<Lldp::PowerPortClass>, readBool, readBool, readBool,
+                    readInt<std::uint32_t>, readInt<std::uint32_t>);
 }
 
 // A DisplayString of SNMPv2-TC: printable text, at most 255 bytes.

@@ -8,9 +8,7 @@ namespace Lldp {
 
 namespace {
 
-constexpr Zet::RecordForm form{"Lldp::LinkAggregationInfo",
-                               Zet::field("linkAggStatus", &LinkAggregationInfo::linkAggStatus),
-                               Zet::field("linkAggPortId", &LinkAggregationInfo::linkAggPortId)};
+constexpr auto const& form = linkAggregationInfoForm;
 
 }  // namespace
 

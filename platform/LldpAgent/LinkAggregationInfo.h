@@ -5,6 +5,7 @@
 #include <iosfwd>
 
 #include "LldpAgent/BitMaps.h"
+#include "Zet/RecordForm.h"
 #include "Zet/String.h"
 
 namespace Lldp {
@@ -19,6 +20,11 @@ struct LinkAggregationInfo {
 
   friend bool operator==(LinkAggregationInfo const&, LinkAggregationInfo const&) = default;
 };
+
+// Its fields in order: the text form and the scenario reader both go by them.
+inline constexpr Zet::RecordForm linkAggregationInfoForm{"Lldp::LinkAggregationInfo",
+                                                         Zet::field("linkAggStatus", &LinkAggregationInfo::linkAggStatus),
+                                                         Zet::field("linkAggPortId", &LinkAggregationInfo::linkAggPortId)};
 
 Zet::String valueToStrep(LinkAggregationInfo const& info);
 std::ostream& operator<<(std::ostream& os, LinkAggregationInfo const& info);

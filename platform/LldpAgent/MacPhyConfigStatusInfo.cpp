@@ -10,10 +10,7 @@ namespace {
 
 using Info = MacPhyConfigStatusInfo;
 
-constexpr Zet::RecordForm form{"Lldp::MacPhyConfigStatusInfo", Zet::field("autoNegSupported", &Info::autoNegSupported),
-                               Zet::field("autoNegEnabled", &Info::autoNegEnabled),
-                               Zet::field("autoNegAdvertisedCap", &Info::autoNegAdvertisedCap),
-                               Zet::field("operMauType", &Info::operMauType)};
+constexpr auto const& form = macPhyConfigStatusInfoForm;
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iosfwd>
 
+#include "Zet/RecordForm.h"
 #include "Zet/String.h"
 
 namespace Lldp {
@@ -26,6 +27,13 @@ struct MacPhyConfigStatusInfo {
 
   friend bool operator==(MacPhyConfigStatusInfo const&, MacPhyConfigStatusInfo const&) = default;
 };
+
+// Its fields in order: the text form and the scenario reader both go by them.
+inline constexpr Zet::RecordForm macPhyConfigStatusInfoForm{"Lldp::MacPhyConfigStatusInfo",
+                                                            Zet::field("autoNegSupported", &MacPhyConfigStatusInfo::autoNegSupported),
+                                                            Zet::field("autoNegEnabled", &MacPhyConfigStatusInfo::autoNegEnabled),
+                                                            Zet::field("autoNegAdvertisedCap", &MacPhyConfigStatusInfo::autoNegAdvertisedCap),
+                                                            Zet::field("operMauType", &MacPhyConfigStatusInfo::operMauType)};
 
 Zet::String valueToStrep(MacPhyConfigStatusInfo const& info);
 std::ostream& operator<<(std::ostream& os, MacPhyConfigStatusInfo const& info);

@@ -9,10 +9,7 @@ namespace Lldp {
 
 namespace {
 
-constexpr Zet::RecordForm form{"Lldp::ManAddrPriority", Zet::field("priority", &ManAddrPriority::priority),
-                               Zet::field("addressFamily", &ManAddrPriority::addressFamily),
-                               Zet::field("sequence", &ManAddrPriority::sequence),
-                               Zet::field("intfId", &ManAddrPriority::intfId)};
+constexpr auto const& form = manAddrPriorityForm;
 
 }  // namespace
 

@@ -9,6 +9,7 @@
 #include <iosfwd>
 
 #include "Ondo/IntfId.h"
+#include "Zet/RecordForm.h"
 #include "Zet/String.h"
 
 namespace Lldp {
@@ -28,6 +29,13 @@ struct ManAddrPriority {
   friend bool operator==(ManAddrPriority const&, ManAddrPriority const&) = default;
   friend auto operator<=>(ManAddrPriority const&, ManAddrPriority const&) = default;
 };
+
+// Its fields in order: the text form and the scenario reader both go by them.
+inline constexpr Zet::RecordForm manAddrPriorityForm{"Lldp::ManAddrPriority",
+                                                     Zet::field("priority", &ManAddrPriority::priority),
+                                                     Zet::field("addressFamily", &ManAddrPriority::addressFamily),
+                                                     Zet::field("sequence", &ManAddrPriority::sequence),
+                                                     Zet::field("intfId", &ManAddrPriority::intfId)};
 
 Zet::String valueToStrep(ManAddrPriority const& prio);
 std::ostream& operator<<(std::ostream& os, ManAddrPriority const& prio);

@@ -8,10 +8,7 @@ namespace Lldp {
 
 namespace {
 
-constexpr Zet::RecordForm form{"Lldp::PortAndProtocolVlan",
-                               Zet::field("portAndProtocolVlanId", &PortAndProtocolVlan::portAndProtocolVlanId),
-                               Zet::field("supported", &PortAndProtocolVlan::supported),
-                               Zet::field("enabled", &PortAndProtocolVlan::enabled)};
+constexpr auto const& form = portAndProtocolVlanForm;
 
 }  // namespace
 

@@ -4,6 +4,7 @@
 #include <iosfwd>
 
 #include "Bridging/VlanId.h"
+#include "Zet/RecordForm.h"
 #include "Zet/String.h"
 
 namespace Lldp {
@@ -19,6 +20,12 @@ struct PortAndProtocolVlan {
 
   friend bool operator==(PortAndProtocolVlan const&, PortAndProtocolVlan const&) = default;
 };
+
+// Its fields in order: the text form and the scenario reader both go by them.
+inline constexpr Zet::RecordForm portAndProtocolVlanForm{"Lldp::PortAndProtocolVlan",
+                                                         Zet::field("portAndProtocolVlanId", &PortAndProtocolVlan::portAndProtocolVlanId),
+                                                         Zet::field("supported", &PortAndProtocolVlan::supported),
+                                                         Zet::field("enabled", &PortAndProtocolVlan::enabled)};
 
 Zet::String valueToStrep(PortAndProtocolVlan const& vlan);
 std::ostream& operator<<(std::ostream& os, PortAndProtocolVlan const& vlan);

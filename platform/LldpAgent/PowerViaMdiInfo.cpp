@@ -10,12 +10,7 @@ namespace {
 
 using Info = PowerViaMdiInfo;
 
-constexpr Zet::RecordForm form{"Lldp::PowerViaMdiInfo", Zet::field("powerPortClass", &Info::powerPortClass),
-                               Zet::field("powerMdiSupported", &Info::powerMdiSupported),
-                               Zet::field("powerMdiEnabled", &Info::powerMdiEnabled),
-                               Zet::field("powerPairControllable", &Info::powerPairControllable),
-                               Zet::field("powerPairs", &Info::powerPairs),
-                               Zet::field("powerClass", &Info::powerClass)};
+constexpr auto const& form = powerViaMdiInfoForm;
 
 }  // namespace
 

@@ -5,6 +5,7 @@
 #include <iosfwd>
 
 #include "LldpAgent/Enumerations.h"
+#include "Zet/RecordForm.h"
 #include "Zet/String.h"
 
 namespace Lldp {
@@ -22,6 +23,15 @@ struct PowerViaMdiInfo {
 
   friend bool operator==(PowerViaMdiInfo const&, PowerViaMdiInfo const&) = default;
 };
+
+// Its fields in order: the text form and the scenario reader both go by them.
+inline constexpr Zet::RecordForm powerViaMdiInfoForm{"Lldp::PowerViaMdiInfo",
+                                                     Zet::field("powerPortClass", &PowerViaMdiInfo::powerPortClass),
+                                                     Zet::field("powerMdiSupported", &PowerViaMdiInfo::powerMdiSupported),
+                                                     Zet::field("powerMdiEnabled", &PowerViaMdiInfo::powerMdiEnabled),
+                                                     Zet::field("powerPairControllable", &PowerViaMdiInfo::powerPairControllable),
+                                                     Zet::field("powerPairs", &PowerViaMdiInfo::powerPairs),
+                                                     Zet::field("powerClass", &PowerViaMdiInfo::powerClass)};
 
 Zet::String valueToStrep(PowerViaMdiInfo const& info);
 std::ostream& operator<<(std::ostream& os, PowerViaMdiInfo const& info);

@@ -9,8 +9,7 @@ namespace Lldp {
 
 namespace {
 
-constexpr Zet::RecordForm form{"Lldp::ProtocolIdentityInfo", Zet::field("index", &ProtocolIdentityInfo::index),
-                               Zet::field("protocolId", &ProtocolIdentityInfo::protocolId)};
+constexpr auto const& form = protocolIdentityInfoForm;
 
 }  // namespace
 

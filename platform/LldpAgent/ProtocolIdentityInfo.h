@@ -5,6 +5,7 @@
 #include <iosfwd>
 
 #include "LldpAgent/BoundedString.h"
+#include "Zet/RecordForm.h"
 #include "Zet/String.h"
 
 namespace Lldp {
@@ -19,6 +20,11 @@ struct ProtocolIdentityInfo {
 
   friend bool operator==(ProtocolIdentityInfo const&, ProtocolIdentityInfo const&) = default;
 };
+
+// Its fields in order: the text form and the scenario reader both go by them.
+inline constexpr Zet::RecordForm protocolIdentityInfoForm{"Lldp::ProtocolIdentityInfo",
+                                                          Zet::field("index", &ProtocolIdentityInfo::index),
+                                                          Zet::field("protocolId", &ProtocolIdentityInfo::protocolId)};
 
 Zet::String valueToStrep(ProtocolIdentityInfo const& info);
 std::ostream& operator<<(std::ostream& os, ProtocolIdentityInfo const& info);

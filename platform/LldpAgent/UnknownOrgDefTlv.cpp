@@ -14,10 +14,7 @@ using Key = UnknownOrgDefTlv::Key;
 constexpr Zet::RecordForm keyForm{"Lldp::UnknownOrgDefTlv::Key", Zet::field("oui", &Key::oui),
                                   Zet::field("subtype", &Key::subtype), Zet::field("index", &Key::index)};
 
-constexpr Zet::RecordForm tlvForm{"Lldp::UnknownOrgDefTlv", Zet::field("oui", &UnknownOrgDefTlv::oui),
-                                  Zet::field("subtype", &UnknownOrgDefTlv::subtype),
-                                  Zet::field("index", &UnknownOrgDefTlv::index),
-                                  Zet::field("orgDefInfo", &UnknownOrgDefTlv::orgDefInfo)};
+constexpr auto const& tlvForm = unknownOrgDefTlvForm;
 
 }  // namespace
 

@@ -9,6 +9,7 @@
 
 #include "LldpAgent/BoundedString.h"
 #include "LldpAgent/Oui.h"
+#include "Zet/RecordForm.h"
 #include "Zet/String.h"
 
 namespace Lldp {
@@ -43,6 +44,13 @@ struct UnknownOrgDefTlv {
 
   friend bool operator==(UnknownOrgDefTlv const&, UnknownOrgDefTlv const&) = default;
 };
+
+// Its fields in order: the text form and the scenario reader both go by them.
+inline constexpr Zet::RecordForm unknownOrgDefTlvForm{"Lldp::UnknownOrgDefTlv",
+                                                      Zet::field("oui", &UnknownOrgDefTlv::oui),
+                                                      Zet::field("subtype", &UnknownOrgDefTlv::subtype),
+                                                      Zet::field("index", &UnknownOrgDefTlv::index),
+                                                      Zet::field("orgDefInfo", &UnknownOrgDefTlv::orgDefInfo)};
 
 Zet::String valueToStrep(UnknownOrgDefTlv::Key const& key);
 Zet::String valueToStrep(UnknownOrgDefTlv const& tlv);

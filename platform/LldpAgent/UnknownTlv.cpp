@@ -11,8 +11,7 @@ namespace Lldp {
 
 namespace {
 
-constexpr Zet::RecordForm form{"Lldp::UnknownTlv", Zet::field("type", &UnknownTlv::type),
-                               Zet::field("info", &UnknownTlv::info)};
+constexpr auto const& form = unknownTlvForm;
 
 void checkType(std::uint32_t type) {
   if (type < UnknownTlv::minType || type > UnknownTlv::maxType) {

@@ -5,6 +5,7 @@
 #include <iosfwd>
 
 #include "LldpAgent/BoundedString.h"
+#include "Zet/RecordForm.h"
 #include "Zet/String.h"
 
 namespace Lldp {
@@ -26,6 +27,11 @@ struct UnknownTlv {
 
   friend bool operator==(UnknownTlv const&, UnknownTlv const&) = default;
 };
+
+// Its fields in order: the text form and the scenario reader both go by them.
+inline constexpr Zet::RecordForm unknownTlvForm{"Lldp::UnknownTlv",
+                                                Zet::field("type", &UnknownTlv::type),
+                                                Zet::field("info", &UnknownTlv::info)};
 
 Zet::String valueToStrep(UnknownTlv const& tlv);
 std::ostream& operator<<(std::ostream& os, UnknownTlv const& tlv);

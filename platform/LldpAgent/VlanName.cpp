@@ -9,8 +9,7 @@ namespace Lldp {
 
 namespace {
 
-constexpr Zet::RecordForm form{"Lldp::VlanName", Zet::field("vlanId", &VlanName::vlanId),
-                               Zet::field("vlanName", &VlanName::vlanName)};
+constexpr auto const& form = vlanNameForm;
 
 }  // namespace
 

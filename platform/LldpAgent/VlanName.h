@@ -5,6 +5,7 @@
 
 #include "Bridging/VlanId.h"
 #include "LldpAgent/BoundedString.h"
+#include "Zet/RecordForm.h"
 #include "Zet/String.h"
 
 namespace Lldp {
@@ -19,6 +20,11 @@ struct VlanName {
 
   friend bool operator==(VlanName const&, VlanName const&) = default;
 };
+
+// Its fields in order: the text form and the scenario reader both go by them.
+inline constexpr Zet::RecordForm vlanNameForm{"Lldp::VlanName",
+                                              Zet::field("vlanId", &VlanName::vlanId),
+                                              Zet::field("vlanName", &VlanName::vlanName)};
 
 Zet::String valueToStrep(VlanName const& name);
 std::ostream& operator<<(std::ostream& os, VlanName const& name);

@@ -41,6 +41,8 @@ class RecordForm {
   constexpr RecordForm(std::string_view typeName, Field<R, V>... fields) : typeName_(typeName), fields_(fields...) {}
 
   std::string_view typeName() const { return typeName_; }
+  // The fields in order, for readers of other forms (a scenario file) to go by.
+  constexpr std::tuple<Field<R, V>...> const& fields() const { return fields_; }
 
   String toStrep(R const& record) const {
     std::string out = prefix();
