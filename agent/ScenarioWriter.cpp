@@ -4,13 +4,29 @@
 #include <sys/socket.h>
 
 #include <array>
+#include <concepts>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <stdexcept>
+#include <string>
+#include <tuple>
 
 #include <nlohmann/json.hpp>
 
+#include "LldpAgent/BoundedString.h"
+#include "LldpAgent/LinkAggregationInfo.h"
+#include "LldpAgent/MacPhyConfigStatusInfo.h"
+#include "LldpAgent/ManAddrPriority.h"
+#include "LldpAgent/PortAndProtocolVlan.h"
+#include "LldpAgent/PowerViaMdiInfo.h"
+#include "LldpAgent/ProtocolIdentityInfo.h"
+#include "LldpAgent/UnknownOrgDefTlv.h"
+#include "LldpAgent/UnknownTlv.h"
+#include "LldpAgent/VlanName.h"
 #include "LldpdMapping.h"
+#include "Zet/RecordForm.h"
 
 namespace {
 
@@ -76,6 +92,42 @@ std::string ouiText(Lldp::Oui oui) {
   return text.data();
 }
 
+// A field of a value record as the scenario file writes it.
+Json jsonOf(bool value) { return value; }
+template <std::integral Int>
+Json jsonOf(Int value) {
+  return value;
+}
+Json jsonOf(Bridging::VlanId value) { return value.value(); }
+Json jsonOf(Bridging::VlanIdOrNone value) { return value.value(); }
+template <Lldp::BoundedStringName name, std::size_t limit>
+Json jsonOf(Lldp::BoundedString<name, limit> const& value) {
+  return octets(value.value());
+}
+Json jsonOf(Lldp::Oui value) { return ouiText(value); }
+Json jsonOf(Lldp::PowerPortClass value) { return static_cast<std::int32_t>(value); }
+Json jsonOf(Lldp::LinkAggStatusMap value) { return value.value(); }
+Json jsonOf(Ondo::IntfId const& value) { return value.stringValue().stdString(); }
+
+// A value record written as its form lists its fields, under the form's names.
+template <class R, class... V>
+Json recordJson(R const& record, Zet::RecordForm<R, V...> const& form) {
+  Json json = Json::object();
+  std::apply([&](auto const&... field) { ((json[std::string(field.name)] = jsonOf(record.*(field.member))), ...); },
+             form.fields());
+  return json;
+}
+
+// Writes each record of a collection by its form.
+template <class Records, class R, class... V>
+Json recordsJson(Records const& records, Zet::RecordForm<R, V...> const& form) {
+  Json json = Json::array();
+  for (R const& record : records) {
+    json.push_back(recordJson(record, form));
+  }
+  return json;
+}
+
 Json managementAddress(Lldp::ManagementAddress const& address) {
   Json json{{"manAddrSubtype", address.manAddrSubtype},
             {"manAddr", manAddr(address.manAddrSubtype, address.manAddr.value())},
@@ -98,10 +150,7 @@ Json localSystem(DesiredLocalSystem const& local) {
     Json entry = managementAddress(address);
     for (DesiredManAddrPriority const& prio : local.managementAddressPrio) {
       if (prio.address == address.key()) {
-        entry["priority"] = Json{{"priority", prio.priority.priority},
-                                 {"addressFamily", prio.priority.addressFamily},
-                                 {"sequence", prio.priority.sequence},
-                                 {"intfId", prio.priority.intfId.stringValue().stdString()}};
+        entry["priority"] = recordJson(prio.priority, Lldp::manAddrPriorityForm);
       }
     }
     addresses.push_back(entry);
@@ -138,49 +187,19 @@ Json neighbor(DesiredNeighbor const& n) {
       {"sysCapSupported", n.sysCapSupported.value()},
       {"sysCapEnabled", n.sysCapEnabled.value()},
       {"managementAddress", arrayOf(n.managementAddress, managementAddress)},
-      {"unknownTlv", arrayOf(n.unknownTlv,
-                             [](Lldp::UnknownTlv const& t) { return Json{{"type", t.type}, {"info", octets(t.info.value())}}; })},
-      {"unknownOrgDefTlv", arrayOf(n.unknownOrgDefTlv,
-                                   [](Lldp::UnknownOrgDefTlv const& t) {
-                                     return Json{{"oui", ouiText(t.oui)},
-                                                 {"subtype", t.subtype},
-                                                 {"index", t.index},
-                                                 {"orgDefInfo", octets(t.orgDefInfo.value())}};
-                                   })},
+      {"unknownTlv", recordsJson(n.unknownTlv, Lldp::unknownTlvForm)},
+      {"unknownOrgDefTlv", recordsJson(n.unknownOrgDefTlv, Lldp::unknownOrgDefTlvForm)},
       {"portVlanIdTlvReceived", n.portVlanIdTlvReceived},
       {"portVlanId", n.portVlanId.value()},
-      {"portAndProtocolVlan", arrayOf(n.portAndProtocolVlan,
-                                      [](Lldp::PortAndProtocolVlan const& v) {
-                                        return Json{{"portAndProtocolVlanId", v.portAndProtocolVlanId.value()},
-                                                    {"supported", v.supported},
-                                                    {"enabled", v.enabled}};
-                                      })},
-      {"vlanName", arrayOf(n.vlanName,
-                           [](Lldp::VlanName const& v) {
-                             return Json{{"vlanId", v.vlanId.value()}, {"vlanName", octets(v.vlanName.value())}};
-                           })},
-      {"protocolIdentityInfo", arrayOf(n.protocolIdentityInfo,
-                                       [](Lldp::ProtocolIdentityInfo const& p) {
-                                         return Json{{"index", p.index}, {"protocolId", octets(p.protocolId.value())}};
-                                       })},
+      {"portAndProtocolVlan", recordsJson(n.portAndProtocolVlan, Lldp::portAndProtocolVlanForm)},
+      {"vlanName", recordsJson(n.vlanName, Lldp::vlanNameForm)},
+      {"protocolIdentityInfo", recordsJson(n.protocolIdentityInfo, Lldp::protocolIdentityInfoForm)},
       {"linkAggregationTlvReceived", n.linkAggregationTlvReceived},
-      {"linkAggregationInfo",
-       {{"linkAggStatus", n.linkAggregationInfo.linkAggStatus.value()},
-        {"linkAggPortId", n.linkAggregationInfo.linkAggPortId}}},
+      {"linkAggregationInfo", recordJson(n.linkAggregationInfo, Lldp::linkAggregationInfoForm)},
       {"macPhyConfigStatusTlvReceived", n.macPhyConfigStatusTlvReceived},
-      {"macPhyConfigStatusInfo",
-       {{"autoNegSupported", n.macPhyConfigStatusInfo.autoNegSupported},
-        {"autoNegEnabled", n.macPhyConfigStatusInfo.autoNegEnabled},
-        {"autoNegAdvertisedCap", n.macPhyConfigStatusInfo.autoNegAdvertisedCap},
-        {"operMauType", n.macPhyConfigStatusInfo.operMauType}}},
+      {"macPhyConfigStatusInfo", recordJson(n.macPhyConfigStatusInfo, Lldp::macPhyConfigStatusInfoForm)},
       {"powerViaMdiTlvReceived", n.powerViaMdiTlvReceived},
-      {"powerViaMdiInfo",
-       {{"powerPortClass", static_cast<std::int32_t>(n.powerViaMdiInfo.powerPortClass)},
-        {"powerMdiSupported", n.powerViaMdiInfo.powerMdiSupported},
-        {"powerMdiEnabled", n.powerViaMdiInfo.powerMdiEnabled},
-        {"powerPairControllable", n.powerViaMdiInfo.powerPairControllable},
-        {"powerPairs", n.powerViaMdiInfo.powerPairs},
-        {"powerClass", n.powerViaMdiInfo.powerClass}}},
+      {"powerViaMdiInfo", recordJson(n.powerViaMdiInfo, Lldp::powerViaMdiInfoForm)},
       {"maximumFrameSizeTlvReceived", n.maximumFrameSizeTlvReceived},
       {"maximumFrameSizeInfo", n.maximumFrameSizeInfo},
   };
